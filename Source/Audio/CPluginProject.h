@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Core/CError.h"
+#include "Core/CString.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+
+namespace qrb {
+
+class CObject;
+
+/// What the product declares about itself in its project object, checked.
+struct CPluginProject {
+    static constexpr int kMaxInternalChannels = 16;
+    static constexpr int kMaxGroups = 8;
+    static constexpr double kFallbackTailSeconds = 0.4;
+
+    CString name;
+    CString vendor;
+    std::array<int, 3> version{};
+    std::uint32_t code = 0; ///< four characters, the first one highest
+    int internalChannelCount = 1;
+    int groupCount = 1;
+    std::optional<double> tailSeconds; ///< none: no tail is reported
+    int autoOversamplingMode = 0;      ///< oversampling mode while the host runs in real time, plus 1
+    bool isVizAlwaysActive = false;
+    bool isSymmetricIO = false;
+    bool useHostBPM = false;
+    bool useHostRecording = false;
+    bool useSidechain = false;
+    bool useRouting = false;
+    bool useMidSide = false;
+
+    /// Replaces everything; on failure the content is undefined.
+    CErrorPtr read(const CObject& project);
+};
+
+} // namespace qrb
