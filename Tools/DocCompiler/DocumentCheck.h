@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Tools/DocCompiler/CCompileSession.h"
+
+namespace qrbdoc {
+
+/// Refuses objects whose tag is the name of a run-time template: the loader would make an inert object of them. Warns
+/// of tags and attributes that Options::knownTags does not list.
+void checkDocument(CCompileSession& session, const DocumentNode& root);
+
+} // namespace qrbdoc
