@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Core/CArray.h"
+#include "Core/CCreatorTable.h"
+#include "Core/CError.h"
+#include "Core/CQrbStdAllocator.h"
+#include "Core/CResourceStore.h"
+#include "Core/CString.h"
+
+#include <span>
+
+namespace qrb {
+
+namespace platform {
+class IFolders;
+}
+
+/// What a module brings with it.
+struct CModuleConfig {
+    CArray<std::span<const CCreatorRow>> creators;              ///< beside the rows of the object runtime itself
+    CArray<std::span<const CResourceRow>> resources;            ///< linked-in tables
+    CMap<CString, std::span<const std::uint8_t>> resourceBytes; ///< single resources; the bytes stay with the caller
+    CString sharedDocument;                ///< document of the shared tree; empty for an empty tree
+    platform::IFolders* folders = nullptr; ///< stands for the system's folders if set; stays with the caller
+};
+
+/// Life of the module in a process that may load it several times: entries are counted, the first makes all
+/// process-wide state, the last exit destroys it. Entry after exit begins anew. Thread: any.
+class CModule {
+public:
+    /// Only the first entry looks at the configuration. An entry that fails counts for nothing.
+    [[nodiscard]] static CErrorPtr enter(const CModuleConfig& config);
+    /// Every tree but the shared one has been released before the last exit.
+    static void leave();
+};
+
+} // namespace qrb

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Core/CCheckedObject.h"
+#include "Core/CString.h"
+
+#include <atomic>
+#include <cstdint>
+
+namespace qrb {
+
+class CObjectDocumentData;
+
+/// An immutable text with what lookups need of it, computed once. It lives either alone, counted by its references,
+/// or inside a document's string table, which then is what the references count.
+/// Thread: any, after construction.
+struct CTextRecord {
+    CString text;
+    std::uint32_t hash = 0;
+    bool hasBrace = false; ///< holds a "{", so that it wants expansion
+    bool isOff = false;    ///< empty or "false": absent to a reader
+    CObjectDocumentData* document = nullptr;
+    mutable std::atomic<std::uint32_t> references{0};
+
+    /// Takes the text and fills what is derived from it.
+    void assign(CString&& value);
+    void retain() const;
+    void release() const;
+};
+
+} // namespace qrb
