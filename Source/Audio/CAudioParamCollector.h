@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Audio/CAudioParam.h"
+#include "Audio/CAudioParamDeferredCalls.h"
+#include "Audio/CAudioParamReaderPool.h"
+#include "Audio/CAudioParamRenameMap.h"
+#include "Audio/CAudioParamUpdatePool.h"
+#include "Audio/CAudioParamUpdateQueue.h"
+#include "Core/CObject.h"
+#include "Core/CUpdateNotifier.h"
+#include "Platform/CRecursiveLock.h"
+
+#include <atomic>
+#include <functional>
+#include <memory>
+
+namespace qrb {
+
+class CAppData;
+class CAudioEnv;
+class CSharedParam;
+
+/// All parameters of one instance, and the queue that takes their changes to the audio side. Notifies the listeners of a
+/// parameter, which attach to the collector with the parameter as their key.
+class CAudioParamCollector : public CObject, public CUpdateNotifier {
+public:
+    static void declare(CObjectClassInfo& info);
+
+    CAudioParamCollector();
+    ~CAudioParamCollector() override;
+
+    CErrorPtr initChilds() override;
+
+    [[nodiscard]] CAudioEnv& env() const { return *m_env; }
+
+    /// The parameter of a path, behind all its aliases; made if it does not exist. Thread: any.
+    [[nodiscard]] CAudioParam& getParam(const CString& path);
+    /// The same without making one: null for an unknown path. Thread: any.
+    [[nodiscard]] CAudioParam* findParam(const CString& path);
+    /// Whether an alias sends the path to another one. Thread: any.
+    [[nodiscard]] bool isRenamed(const CString& path);
+    /// Enters an alias of absolute paths. Thread: any.
+    void addRename(const CString& original, const CString& renamed);
+    /// All parameters in the order of their paths. Thread: any; a parameter stays as long as the collector.
+    void listParams(CArray<CAudioParam*>& out);
+    /// The key that listeners of a parameter attach with.
+    [[nodiscard]] static std::uint64_t listenerKey(const CAudioParam& param)
+    {
+        return static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&param));
+    }
+
+    /// Mirrors a parameter in a block of application data. A link that exists already is kept. It starts at once on the
+    /// owner's thread if the parameter is bound, otherwise with a later runDeferred().
+    void addSharedParam(const CString& path, CAppData& store, const CString& dataName);
+
+    /// Splices a list of changes into the queue in one step, so that they reach the modules in one block. Thread: any.
+    void splice(CAudioParamUpdateQueue& list);
+    /// Takes the waiting changes over. Thread: audio, with the env's lock held, or any while no audio runs.
+    void takeQueue();
+    /// Applies what was taken to what modules read, and tells readers. Thread: audio, or any while no audio runs.
+    void applyTaken();
+    /// Both steps; takes the env's lock for the first. Thread: audio, or any while no audio runs.
+    void flushQueue();
+    /// Records waiting in the queue. Thread: any.
+    [[nodiscard]] std::size_t waitingCount();
+
+    /// Puts a call off until no parameter is held. The caller holds a guard.
+    void defer(CAudioParamDeferredTarget& target, std::int32_t index, double value, const CAudioParamGuard& guard);
+    /// Takes all waiting calls of a target back. Thread: the owner's.
+    void cancelDeferred(const CAudioParamDeferredTarget& target);
+    /// Makes the calls that were put off and carries changes from and to application data, with nothing held.
+    /// Thread: the owner's.
+    void runDeferred();
+    /// Whether runDeferred() has work, for owners that look from time to time. Thread: any.
+    [[nodiscard]] bool hasDeferred() const { return m_hasDeferred.load(std::memory_order_acquire); }
+    /// Called when runDeferred() gets work. Set by the owner before other threads know the instance. The hook runs on any
+    /// thread, the audio thread too: it neither waits nor allocates, and does not call back.
+    void setWakeHook(std::function<void()> hook);
+    /// Notes that runDeferred() has work. Thread: any.
+    void wakeDeferred();
+
+    [[nodiscard]] CAudioParamUpdatePool& updatePool() { return m_updatePool; }
+
+private:
+    friend class CAudioParam;
+    friend class CAudioParamGuard;
+    friend class CAudioPresetGuard;
+
+    [[nodiscard]] bool enterParams(EAudioParamWait wait);
+    void leaveParams();
+    void enterPreset();
+    void leavePreset();
+    void announceDeferred();
+
+    void queue(CAudioParamUpdateRecord* record);
+    void deferChange(const CAudioParamDeferredCalls::CChange& change);
+    void tellListeners(CAudioParam& param, const CAudioParamUpdate& record);
+    void runChanges(const CAudioParamDeferredCalls& calls);
+    void runSharedParams();
+    void onBound();
+
+    CAudioEnv* m_env = nullptr;
+    std::uint64_t m_ownerThread;
+
+    platform::CRecursiveLock m_mapLock{4000};
+    CMap<CString, std::unique_ptr<CAudioParam>> m_params;
+    CAudioParamRenameMap m_renames;
+
+    platform::CRecursiveLock m_paramLock{4000};
+    std::atomic<int> m_paramLockCount{0};
+    std::atomic<int> m_presetLockCount{0};
+
+    CAudioParamReaderPool m_readerPool;
+    CAudioParamUpdatePool m_updatePool;
+    CAudioParamUpdateQueue m_queue; ///< guarded by the env's lock
+    CAudioParamUpdateQueue m_taken; ///< audio thread only
+
+    CAudioParamDeferredCalls m_deferred; ///< guarded by the parameter lock
+    CAudioParamDeferredCalls m_running;  ///< owner's thread only
+    std::atomic<bool> m_hasDeferred{false};
+    std::function<void()> m_wakeHook;
+
+    platform::CRecursiveLock m_sharedLock{50};
+    CArray<std::unique_ptr<CSharedParam>> m_sharedParams;
+};
+
+} // namespace qrb

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Audio/CAudioParamInfo.h"
+#include "Core/CObject.h"
+
+namespace qrb {
+
+/// Declares a parameter. Owns its description and default values; part of the shared tree.
+class CAudioParamDef : public CObject {
+public:
+    static void declare(CObjectClassInfo& info);
+
+    CErrorPtr init() override;
+
+    [[nodiscard]] const CAudioParamInfo& info() const { return m_info; }
+
+private:
+    CErrorPtr readFormat();
+    void readFlags();
+    CErrorPtr readConverters();
+    CErrorPtr readBounds();
+    CErrorPtr readDefaults();
+    CErrorPtr readDefaultElement(const CString& text, CArray<double, 4>& cells, CAudioParamData& items);
+
+    CAudioParamInfo m_info;
+};
+
+} // namespace qrb

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Core/CCheckedObject.h"
+#include "Core/CQrbStdAllocator.h"
+#include "Core/CString.h"
+
+namespace qrb {
+
+/// Aliases of parameter paths. Not locked.
+class CAudioParamRenameMap : public CCheckedObject {
+public:
+    /// Steps after which a chain of aliases counts as a ring and ends where it is.
+    static constexpr int kMaxSteps = 64;
+
+    /// Enters an alias; a later one for the same path replaces it, one to the path itself does nothing.
+    void add(const CString& original, const CString& renamed);
+    /// The path behind all aliases.
+    [[nodiscard]] CString resolve(const CString& path) const;
+
+private:
+    CMap<CString, CString> m_map;
+};
+
+/// The absolute path of a parameter that a process names: "/" leads to the root, "^" up one level, other words down.
+/// Empty if the name climbs above the root.
+[[nodiscard]] CString resolveAudioParamPath(const CString& processPath, const CString& name);
+
+} // namespace qrb
