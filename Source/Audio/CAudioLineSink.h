@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Core/CArray.h"
+
+#include <cstdint>
+#include <span>
+
+namespace qrb {
+
+class CAudioProcessConnection;
+
+/// Where connections end: the input of a node, or the output that a node offers to the nodes inside it.
+/// Thread: audio.
+class CAudioLineSink {
+public:
+    CAudioLineSink() = default;
+    CAudioLineSink(const CAudioLineSink&) = delete;
+    CAudioLineSink& operator=(const CAudioLineSink&) = delete;
+    ~CAudioLineSink();
+
+    /// In ascending order of what the connections were made with, so that sums do not depend on the past.
+    [[nodiscard]] std::span<CAudioProcessConnection* const> connections() const { return m_connections.span(); }
+    void noteChange() { ++m_changeCount; }
+    [[nodiscard]] bool hasChanges() const { return m_changeCount != 0; }
+    void clearChanges() { m_changeCount = 0; }
+    /// Removes all connections that end here.
+    void disconnectAll();
+
+private:
+    friend class CAudioLineSource;
+    void add(CAudioProcessConnection& connection);
+    void remove(CAudioProcessConnection& connection);
+
+    CArray<CAudioProcessConnection*> m_connections;
+    std::uint32_t m_changeCount = 0;
+};
+
+} // namespace qrb

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Audio/CAudioLine.h"
+#include "Core/CArray.h"
+
+#include <memory>
+#include <span>
+
+namespace qrb {
+
+class CAudioLineSink;
+class CAudioProcessConnection;
+
+/// Where connections begin: the output of a node, the input that a node offers to the nodes inside it, or the outside
+/// world. Announces lines, then sends a buffer a line in each block. Thread: audio.
+class CAudioLineSource {
+public:
+    CAudioLineSource();
+    CAudioLineSource(const CAudioLineSource&) = delete;
+    CAudioLineSource& operator=(const CAudioLineSource&) = delete;
+    ~CAudioLineSource();
+
+    /// Adds a connection unless there is one between these ports. `order` ranks it among those of the sink.
+    void connect(int port, CAudioLineSink& sink, int sinkPort, int order = 0);
+    void disconnect(int port, CAudioLineSink& sink, int sinkPort);
+    /// Removes all connections to a sink.
+    void disconnectFrom(CAudioLineSink& sink);
+    void disconnectAll();
+
+    [[nodiscard]] std::span<const CAudioLineInfo> lines() const { return m_lines.span(); }
+    /// Announces the lines; sinks learn of it only where something differs.
+    void setLines(std::span<const CAudioLineInfo> lines);
+    /// Hands this block of line `index` to every connection that carries it.
+    void send(int index, const CSampleBuffer& buffer, int length);
+
+private:
+    CArray<CAudioLineInfo> m_lines;
+    CArray<std::unique_ptr<CAudioProcessConnection>> m_connections;
+};
+
+} // namespace qrb

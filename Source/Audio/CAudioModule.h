@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Audio/CAudioBoundParam.h"
+#include "Audio/CAudioLine.h"
+#include "Core/CArray.h"
+#include "Core/CCheckedObject.h"
+
+#include <cstdint>
+#include <span>
+
+namespace qrb {
+
+class CAudioProcessTerminalBase;
+class CSampleBufferPool;
+
+/// The signal work of a terminal for one line, or for all its lines at once where the definition says so.
+///
+/// Made by its node, set up with lines and sample rate, then `start` and `reset`, then `update` whenever a parameter is
+/// touched, then `process` in every block. During a crossfade two modules serve the same lines. Thread: audio.
+class CAudioModule : public CCheckedObject {
+public:
+    CAudioModule() = default;
+    CAudioModule(const CAudioModule&) = delete;
+    CAudioModule& operator=(const CAudioModule&) = delete;
+
+    /// The lines and the sample rate are known. Runs again whenever the node's configuration changes.
+    virtual void start();
+    /// Clears the signal state.
+    virtual void reset();
+    /// Recalculates what depends on parameters, sample rate and lines.
+    virtual void update();
+    /// Once on creation: takes the parameters with regParam().
+    virtual void regParams();
+    /// Runs blockLength() samples, leaving one output for each line: writeOutput() or passInput().
+    virtual void process() = 0;
+
+    /// Samples this module adds to the latency of its input. 0 unless update() sets another.
+    [[nodiscard]] int latency() const { return m_latency; }
+
+protected:
+    [[nodiscard]] CAudioProcessTerminalBase& node() const { return *m_node; }
+    [[nodiscard]] CSampleBufferPool& pool() const;
+    /// Group its parameters are read at.
+    [[nodiscard]] int group() const { return m_group; }
+    [[nodiscard]] int element() const;
+    /// Channel of its (first) line.
+    [[nodiscard]] int channel() const { return m_channel; }
+    [[nodiscard]] double sampleRate() const { return m_sampleRate; }
+    [[nodiscard]] int blockLength() const { return m_blockLength; }
+
+    /// Number of outputs; also of lines on port 0, unless inputs of one channel are kept apart there.
+    [[nodiscard]] int outputCount() const { return static_cast<int>(m_outputs.size()); }
+    [[nodiscard]] int lineCount(int port = 0) const;
+    /// Null where the port has no such line.
+    [[nodiscard]] const CAudioLine* line(int port = 0, int index = 0) const;
+    /// Samples of a line in this block, blockLength() of them; null where the port has no such line.
+    [[nodiscard]] const double* input(int port = 0, int index = 0) const;
+
+    /// A fresh buffer as output `index`, to be filled with blockLength() samples.
+    [[nodiscard]] double* writeOutput(int index = 0);
+    /// Hands an input on by reference; silence where the port has no such line.
+    void passInput(int port, int inputIndex, int outputIndex);
+    void passInput(int port = 0) { passInput(port, 0, 0); }
+    /// Makes a buffer output `index`, by reference: one buffer may serve several outputs.
+    void setOutput(int index, const CSampleBuffer& buffer);
+    [[nodiscard]] const CSampleBuffer& output(int index) const { return m_outputs[static_cast<std::size_t>(index)]; }
+
+    /// In regParams(): the parameter allocated under `index`; where it is missing a line is logged.
+    [[nodiscard]] CAudioParamSlot regParam(int index, double unbound) const;
+    /// Value at the module's own group and element.
+    [[nodiscard]] double value(const CAudioParamSlot& slot) const { return slot.value(m_group, element()); }
+    [[nodiscard]] int valueInt(const CAudioParamSlot& slot) const { return slot.valueInt(m_group, element()); }
+    [[nodiscard]] bool isOn(const CAudioParamSlot& slot) const { return value(slot) >= 0.5; }
+    /// In update(): whether the parameter changed since the last update; all of them did before the first.
+    [[nodiscard]] bool isTouched(const CAudioParamSlot& slot) const;
+    /// In update(): nothing of this module has sounded yet with the present lines.
+    [[nodiscard]] bool isFirstUpdate() const { return m_isFirstUpdate; }
+    void setLatency(int samples) { m_latency = samples < 0 ? 0 : samples; }
+
+private:
+    friend class CAudioModuleInstance;
+
+    struct CPortLines {
+        CArray<CAudioLine*, 2> lines;
+    };
+
+    CAudioProcessTerminalBase* m_node = nullptr;
+    int m_group = 0;
+    int m_channel = -1;
+    int m_latency = 0;
+    int m_blockLength = 0;
+    double m_sampleRate = 1.0;
+    CArray<CPortLines, 2> m_ports;
+    CArray<CSampleBuffer, 2> m_outputs;
+    CArray<std::uint8_t, 16> m_touched; ///< by allocation index
+    bool m_isDirty = false;
+    bool m_isFirstUpdate = true;
+};
+
+} // namespace qrb

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Audio/CAudioModule.h"
+#include "Audio/CAudioModulePool.h"
+#include "Audio/CFadeOscillator.h"
+#include "Core/CArray.h"
+
+#include <cstdint>
+#include <memory>
+#include <span>
+
+namespace qrb {
+
+class CAudioProcessTerminalBase;
+
+/// One place in a terminal: the module that serves a line (or all lines), and the one it fades out of.
+///
+/// A change that is smooth makes a second module with the new settings and crosses over to it. A change during a fade
+/// waits for the fade's last sample, wherever in a block that is; several that wait make one further fade.
+class CAudioModuleInstance : public CCheckedObject {
+public:
+    CAudioModuleInstance(CAudioProcessTerminalBase& node, CAudioModulePool& modules);
+    ~CAudioModuleInstance() override;
+
+    [[nodiscard]] int channel() const { return m_channel; }
+    [[nodiscard]] int group() const { return m_group; }
+    [[nodiscard]] int latency() const { return m_active->latency(); }
+    [[nodiscard]] int outputCount() const { return m_active->outputCount(); }
+    [[nodiscard]] bool isFading() const { return m_fading != nullptr; }
+
+    /// New configuration: ends fades, gives the module its lines and starts it. `channel` -1 takes all lines.
+    /// Module state survives where lines and sample rate are what they were.
+    void configure(int channel);
+    /// Clears the module's signal state; the next update applies at once.
+    void reset();
+    /// Marks a parameter as changed.
+    void touch(int allocIndex);
+    void touchAll();
+    [[nodiscard]] bool isDirty() const { return m_active->m_isDirty; }
+    /// Applies what was touched: through a fade, or at once where `isSmooth` is not set or nothing has sounded yet.
+    void applyUpdate(bool isSmooth, int fadeLength);
+
+    /// Runs a block and leaves the outputs in outputs().
+    void process(int blockLength, int fadeLength);
+    [[nodiscard]] std::span<CSampleBuffer> outputs() { return m_outputs.span(); }
+    void releaseOutputs();
+
+private:
+    [[nodiscard]] bool setLines(CAudioModule& module, int channel);
+    void prepare(CAudioModule& module);
+    void updateNow(CAudioModule& module);
+    void startFade(int fadeLength);
+    void endFade();
+    void runSegment(int length);
+    void runSplit(int blockLength, int fadeLength);
+    void mix(std::size_t output, int length, int hold, int fade);
+    [[nodiscard]] int fadeSamplesLeft() const { return m_holdLeft + m_fadeLeft; }
+
+    CAudioProcessTerminalBase& m_node;
+    CAudioModulePool& m_modules;
+    std::unique_ptr<CAudioModule> m_active;
+    std::unique_ptr<CAudioModule> m_fading;
+    CArray<CFadeOscillator, 2> m_oscillators;
+    CArray<CSampleBuffer, 2> m_outputs;
+    int m_channel = -1;
+    int m_group = 0;
+    int m_holdLeft = 0;
+    int m_fadeLeft = 0;
+    bool m_isFadePending = false;
+};
+
+} // namespace qrb

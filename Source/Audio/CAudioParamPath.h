@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Core/CString.h"
+
+namespace qrb {
+
+/// Full path of a parameter named relative to a process: "freq" and ".freq" are its own, "^" climbs one level for each
+/// sign, "/" starts at the root.
+[[nodiscard]] CString resolveParamPath(const CString& processName, const CString& path);
+
+} // namespace qrb

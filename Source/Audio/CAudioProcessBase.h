@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Audio/CAudioBoundParam.h"
+#include "Audio/CAudioLineSink.h"
+#include "Audio/CAudioLineSource.h"
+#include "Audio/CAudioProcessPort.h"
+#include "Audio/CAudioProcessSetup.h"
+#include "Core/CCheckedObject.h"
+#include "Core/CError.h"
+
+#include <cstdint>
+#include <memory>
+#include <span>
+
+namespace qrb {
+
+/// Node of the process graph, made from a definition for one plug-in instance. Not a CObject; whoever made it owns it.
+///
+/// Lines come in at ports and go out through `output()`. A block runs as: input step (lines, latency, `update`,
+/// buffers), then `processLines`, then the input buffers are released. Thread: the instance's audio thread, or while
+/// nothing runs.
+class CAudioProcessBase : public CCheckedObject {
+public:
+    static constexpr int kMaxPorts = 32;
+
+    CAudioProcessBase();
+    CAudioProcessBase(const CAudioProcessBase&) = delete;
+    CAudioProcessBase& operator=(const CAudioProcessBase&) = delete;
+    ~CAudioProcessBase() override;
+
+    /// Once, after parameters are bound and `onCreated` has run.
+    [[nodiscard]] virtual CErrorPtr init();
+    /// Forgets signals: what is held of the inputs, the delays that align them, fades.
+    virtual void reset();
+    /// Runs at the start of each block. Nodes look at isConfigurationChanged() and takeParamChanges() here.
+    virtual void update();
+    /// Runs one block: the input step, processLines(), releaseInputs().
+    virtual void process();
+    /// Removes all links into this node.
+    virtual void disconnectAll();
+    /// Once, before `init`.
+    virtual void onCreated();
+
+    /// Takes the setup over, then enters remaps and binds parameters. Called by instantiateProcess() alone.
+    [[nodiscard]] CErrorPtr setUp(const CAudioProcessSetup& setup);
+
+    [[nodiscard]] const CString& fullName() const { return m_name; }
+    [[nodiscard]] const CAudioProcessDefBase& definition() const { return *m_definition; }
+    [[nodiscard]] const CAudioProcessContext& context() const { return m_context; }
+    [[nodiscard]] CSampleBufferPool& pool() const { return *m_context.pool; }
+    /// Channel group this node belongs to, or -1.
+    [[nodiscard]] int groupIndex() const { return m_groupIndex; }
+    [[nodiscard]] int elementIndex() const { return m_elementIndex; }
+    /// Hertz at the input; 1.0 before the first line arrives.
+    [[nodiscard]] double sampleRate() const { return m_sampleRate; }
+    /// Samples: the highest latency among the input lines.
+    [[nodiscard]] int inputLatency() const { return m_inputLatency; }
+    /// Samples of the running block, at the input's rate.
+    [[nodiscard]] int blockLength() const { return m_blockLength; }
+
+    [[nodiscard]] int portCount() const { return static_cast<int>(m_ports.size()); }
+    /// Lines of an input port; none for a port that has never been linked to.
+    [[nodiscard]] std::span<CAudioLine> lines(int port = 0);
+
+    [[nodiscard]] CAudioLineSink& input() { return m_input; }
+    [[nodiscard]] CAudioLineSource& output() { return m_output; }
+
+    /// The first part of process(): settles lines and latency, runs update(), gathers the input buffers.
+    void runInputStep();
+    /// Gives the input buffers of the block up.
+    void releaseInputs();
+
+    /// The parameter allocated under `index`; a missing one is logged and reads as `unbound` for ever.
+    [[nodiscard]] CAudioParamSlot regParam(int index, double unbound) const;
+    /// The flag will be set after `seconds` of audio, at the start of a block.
+    void addDelayedUpdate(double seconds, std::uint8_t* dirtyFlag);
+    /// Forgets the flag; to be called before it dies.
+    void cancelDelayedUpdates(const std::uint8_t* dirtyFlag);
+
+protected:
+    /// The node's own work on the gathered input lines.
+    virtual void processLines();
+    /// Makes sure that the port exists, linked to or not.
+    void declarePort(int port);
+
+    /// Valid in update(): sample rate, lines or latency of the inputs differ from the last pass.
+    [[nodiscard]] bool isConfigurationChanged() const { return m_isConfigurationChanged; }
+    /// Asks for a configuration pass in the next block.
+    void requestConfiguration() { m_isConfigurationRequested = true; }
+    /// Takes and clears what changed of the bound parameters since the last call; false where nothing did.
+    [[nodiscard]] bool takeParamChanges();
+    [[nodiscard]] std::span<CAudioBoundParam> boundParams() { return m_boundParams.span(); }
+    /// One more than the highest allocation index.
+    [[nodiscard]] int allocCount() const { return m_allocCount; }
+    /// Reads a parameter that is no allocation, by a path relative to this node; changes set `dirtyFlag` and the mask.
+    void attachParam(CAudioBoundParam& param, const CString& path, int group, int element, std::uint8_t* dirtyFlag);
+    void detachParam(CAudioBoundParam& param);
+
+private:
+    struct CDelayedUpdate {
+        double seconds;
+        std::uint8_t* dirtyFlag;
+    };
+
+    void bindParams();
+    void rebuildPorts();
+    void alignLines(bool isRateKept);
+    void runDelayedUpdates();
+    void gatherBuffers();
+    void gatherLine(CAudioLine& line);
+    [[nodiscard]] CSampleBuffer takeSource(const CAudioLine::CSource& source);
+
+    CAudioProcessContext m_context;
+    const CAudioProcessDefBase* m_definition = nullptr;
+    CString m_name;
+    int m_groupIndex = -1;
+    int m_elementIndex = 0;
+    double m_sampleRate = 1.0;
+    int m_inputLatency = 0;
+    int m_blockLength = 0;
+    bool m_isConfigurationChanged = false;
+    bool m_isConfigurationRequested = false;
+    CAudioLineSink m_input;
+    CAudioLineSource m_output;
+    CArray<std::unique_ptr<CAudioProcessPort>, 1> m_ports;
+    CArray<CDelayedUpdate, 2> m_delayedUpdates;
+    CArray<CAudioBoundParam, 4> m_boundParams; ///< sized once, since readers hold addresses in it
+    std::uint8_t m_paramsDirty = 0;
+    int m_allocCount = 0;
+};
+
+/// Makes the node of a definition, expanded as the definition asks: a stack, or the node itself.
+/// On an error `out` is null.
+[[nodiscard]] CErrorPtr instantiateProcess(const CAudioProcessSetup& setup, std::unique_ptr<CAudioProcessBase>& out);
+
+} // namespace qrb

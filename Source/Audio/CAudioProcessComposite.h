@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Audio/CAudioProcessBase.h"
+#include "Core/CArray.h"
+
+namespace qrb {
+
+/// Node that runs other nodes. What they link to its output comes out of it line by line: lines of one channel meet
+/// at the consumer, which sums them.
+class CAudioProcessComposite : public CAudioProcessBase {
+public:
+    void reset() override;
+
+    /// Nodes in the order they run.
+    [[nodiscard]] std::span<CAudioProcessBase* const> sequence() const { return m_sequence.span(); }
+
+protected:
+    /// Where inner nodes link to the output of this node; the port of a line there is the output port.
+    [[nodiscard]] CAudioLineSink& innerOutput() { return m_innerOutput; }
+    [[nodiscard]] CArray<CAudioProcessBase*>& sequenceStore() { return m_sequence; }
+    /// Runs the sequence, then hands on what reached the output.
+    void runSequence();
+
+private:
+    void announceOutput();
+
+    CAudioLineSink m_innerOutput;
+    CArray<CAudioProcessBase*> m_sequence;
+    CArray<CAudioLineInfo> m_announced;
+};
+
+} // namespace qrb

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Audio/CAudioLine.h"
+#include "Core/CArray.h"
+#include "Core/CCheckedObject.h"
+
+#include <memory>
+#include <span>
+
+namespace qrb {
+
+class CAudioLineSink;
+class CAudioLineSource;
+class CDSPModDelay;
+class CSampleBufferPool;
+
+/// The way of lines from one source's port to one sink's port. Owned by the source; the sink lists it.
+/// Thread: audio.
+class CAudioProcessConnection : public CCheckedObject {
+public:
+    /// As a port: all ports, each line keeps its own.
+    static constexpr int kAllPorts = -1;
+
+    /// One line on its way: what it is, the block it carries, and the delay that brings it level with its neighbours.
+    struct CLine {
+        CAudioLineInfo info;
+        int sourceIndex = 0; ///< among the source's lines
+        CSampleBuffer buffer;
+        int length = 0; ///< samples in `buffer`
+        std::unique_ptr<CDSPModDelay> delay;
+    };
+
+    CAudioProcessConnection(CAudioLineSource& source, int sourcePort, CAudioLineSink& sink, int sinkPort, int order);
+    ~CAudioProcessConnection() override;
+
+    [[nodiscard]] int sourcePort() const { return m_sourcePort; }
+    [[nodiscard]] int sinkPort() const { return m_sinkPort; }
+    [[nodiscard]] int order() const { return m_order; }
+    [[nodiscard]] const CAudioLineSink& sink() const { return m_sink; }
+    [[nodiscard]] CArray<CLine>& lines() { return m_lines; }
+    /// Port of the sink that a line arrives at.
+    [[nodiscard]] int arrivalPort(const CLine& line) const
+    {
+        return m_sinkPort == kAllPorts ? line.info.port : m_sinkPort;
+    }
+
+    /// Takes over what the source announces; lines that stay keep their delays. The sink learns of a difference.
+    void setLines(std::span<const CAudioLineInfo> sourceLines);
+    /// Takes this block of the source's line `sourceIndex`.
+    void send(int sourceIndex, const CSampleBuffer& buffer, int length);
+
+    /// Sets how many samples a line lacks to be level with the others; a change crosses over. `isKnown`: the line has
+    /// been sounding, so that even its first delay has to cross over.
+    void alignLine(CLine& line, int samples, bool isKnown, CSampleBufferPool& pool);
+    /// Forgets what the delays hold and the blocks on their way.
+    void reset();
+
+private:
+    CAudioLineSource& m_source;
+    CAudioLineSink& m_sink;
+    int m_sourcePort;
+    int m_sinkPort;
+    int m_order;
+    CArray<CLine> m_lines;
+};
+
+} // namespace qrb

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Audio/CAudioModuleInstance.h"
+#include "Audio/CAudioModulePool.h"
+#include "Audio/CAudioProcessBase.h"
+
+#include <memory>
+
+namespace qrb {
+
+/// Node whose work is done by modules: one a line of port 0, or one for all lines.
+class CAudioProcessTerminalBase : public CAudioProcessBase {
+public:
+    ~CAudioProcessTerminalBase() override;
+
+    [[nodiscard]] CErrorPtr init() override;
+    void reset() override;
+    void update() override;
+
+    /// A new module of the node's kind.
+    [[nodiscard]] virtual std::unique_ptr<CAudioModule> createModule() = 0;
+
+    /// Samples of a module crossfade.
+    [[nodiscard]] int fadeLength() const { return m_fadeLength; }
+    /// Size of a module's table of touched parameters.
+    [[nodiscard]] int moduleParamCount() const { return allocCount(); }
+
+protected:
+    void processLines() override;
+
+private:
+    void configureInstances();
+    void touchChangedParams();
+    void announceLines();
+    [[nodiscard]] bool isSmoothTouched(int group) const;
+    [[nodiscard]] static bool isTouched(const CAudioBoundParam& param, int group);
+
+    CAudioModulePool m_modules;
+    CArray<std::unique_ptr<CAudioModuleInstance>, 2> m_instances;
+    CArray<CAudioLineInfo, 4> m_announced;
+    double m_fadeSeconds = 0.0;
+    int m_fadeLength = 1;
+};
+
+} // namespace qrb

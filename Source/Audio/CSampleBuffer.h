@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
+namespace qrb {
+
+class CSampleBufferPool;
+
+/// What stands in front of a buffer's samples.
+///
+///     offset 0          8      16         24     32        40
+///            | rawBlock | pool | nextFree | capacity | bin | references | samples, 16-byte aligned ...
+struct CSampleBufferHeader {
+    void* rawBlock;
+    CSampleBufferPool* pool;
+    CSampleBufferHeader* nextFree;
+    std::size_t capacity; ///< bytes
+    std::int32_t bin;
+    std::int32_t references;
+    std::uint64_t reserved;
+};
+static_assert(sizeof(CSampleBufferHeader) == 48);
+
+/// Counted reference to a buffer of the pool; the last one gives the buffer back.
+///
+/// A buffer is written by whoever took it from the pool, before it is handed on; from then on it is read only, unless
+/// isUnique() holds. Thread: audio, one instance's buffers never meet another's.
+class CSampleBuffer {
+public:
+    CSampleBuffer() noexcept = default;
+    CSampleBuffer(const CSampleBuffer& other) noexcept : m_header(other.m_header)
+    {
+        if (m_header != nullptr) {
+            ++m_header->references;
+        }
+    }
+    CSampleBuffer(CSampleBuffer&& other) noexcept : m_header(std::exchange(other.m_header, nullptr)) {}
+    CSampleBuffer& operator=(const CSampleBuffer& other) noexcept
+    {
+        CSampleBuffer copy(other);
+        std::swap(m_header, copy.m_header);
+        return *this;
+    }
+    CSampleBuffer& operator=(CSampleBuffer&& other) noexcept
+    {
+        std::swap(m_header, other.m_header);
+        other.clear();
+        return *this;
+    }
+    ~CSampleBuffer() { clear(); }
+
+    /// Gives the reference up.
+    void clear() noexcept
+    {
+        if (m_header != nullptr) {
+            releaseReference();
+        }
+    }
+
+    [[nodiscard]] explicit operator bool() const noexcept { return m_header != nullptr; }
+    [[nodiscard]] bool isUnique() const noexcept { return m_header != nullptr && m_header->references == 1; }
+    /// Number of doubles there is room for.
+    [[nodiscard]] int capacity() const noexcept
+    {
+        return m_header == nullptr ? 0 : static_cast<int>(m_header->capacity / sizeof(double));
+    }
+    /// Samples; null for an empty reference.
+    [[nodiscard]] double* data() noexcept { return samples(); }
+    [[nodiscard]] const double* data() const noexcept { return samples(); }
+
+    friend bool operator==(const CSampleBuffer& a, const CSampleBuffer& b) noexcept = default;
+
+private:
+    friend class CSampleBufferPool;
+    explicit CSampleBuffer(CSampleBufferHeader* header) noexcept : m_header(header) {}
+
+    [[nodiscard]] double* samples() const noexcept
+    {
+        return m_header == nullptr ? nullptr : reinterpret_cast<double*>(m_header + 1);
+    }
+    void releaseReference() noexcept;
+
+    CSampleBufferHeader* m_header = nullptr;
+};
+
+} // namespace qrb
