@@ -23,8 +23,6 @@ enum class EValueStyle {
 /// Thread: any, once the shared tree is built; nothing here changes state.
 class CAudioParamConverter : public CObject {
 public:
-    static void declare(CObjectClassInfo& info);
-
     CErrorPtr init() override;
 
     /// Text typed by a user, or a declared default, to a stored value within the bounds. A text that cannot be read

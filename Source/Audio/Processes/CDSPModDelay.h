@@ -8,7 +8,7 @@ namespace qrb {
 
 /// Delay of one line by whole samples, with a raised-cosine fade from an old to a new delay.
 ///
-/// One object a line. The output depends on the samples and on where in the stream the delay was set, never on how the
+/// One object a line. The output depends on the samples and on where in the stream a delay was set, never on how the
 /// stream is cut into blocks. Thread: audio.
 class CDSPModDelay : public CDSPModDelayBase {
 public:
@@ -22,13 +22,13 @@ public:
     void setDelay(int samples);
 
     /// The delay that was asked for last.
-    [[nodiscard]] int delay() const { return m_hasPending ? m_pending : m_target; }
+    [[nodiscard]] int delay() const { return m_pending; }
 
-    /// No delay and no transition: the output would be the input.
+    /// Neither delay nor transition: the output is the input.
     [[nodiscard]] bool isNeutral() const { return m_target == 0 && !m_isFading; }
 
-    /// Opens a second reading tap `offset` samples behind the first, read by the form of `process` with two outputs.
-    void setSecondTap(int offset);
+    /// Places a second reading tap `offset` samples behind the first; to be set before the first delay.
+    void setSecondTap(int offset) { m_secondOffset = offset < 0 ? 0 : offset; }
 
     /// Delays `count` samples; `in` and `out` may be the same.
     void process(const double* in, double* out, int count) { process(in, out, nullptr, count); }
@@ -39,22 +39,22 @@ public:
     /// The same on pool buffers: without a delay the input is handed on by reference.
     [[nodiscard]] CSampleBuffer process(const CSampleBuffer& in, int count);
 
-    /// Forgets the signal, the delay and what waits.
+    /// Forgets the signal and all delays.
     void reset();
 
 private:
     void startFade(int target);
+    void advanceFade(int count);
     void readTap(double* out, int count, int offset, const double* fade) const;
 
     CFadeOscillator m_fade;
     int m_fadeLength = 1;
     int m_fadeLeft = 0;
-    int m_current = 0;
-    int m_target = 0;
-    int m_pending = 0;
+    int m_current = 0; ///< what is heard, or fades out
+    int m_target = 0;  ///< what fades in
+    int m_pending = 0; ///< what was asked for last
     int m_secondOffset = 0;
     bool m_hasDelay = false;
-    bool m_hasPending = false;
     bool m_isFading = false;
 };
 

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Audio/Converters/CAudioParamConverterLog.h"
+
+namespace qrb {
+
+/// Linear factors, shown and typed in decibels.
+class CAudioParamConverterGain : public CAudioParamConverterLog {
+public:
+    CErrorPtr init() override;
+    double parseValue(const CAudioParamInfo& info, int c, const CString& text, bool* outOk) const override;
+    double parseBound(const CAudioParamInfo& info, int c, const CString& text, bool* outOk) const override;
+    void formatValue(CString& out, const CAudioParamInfo& info, int c, double value, const CAudioParamData* data,
+                     EValueStyle style) const override;
+    [[nodiscard]] double toDisplay(const CAudioParamInfo& info, int c, double n) const override;
+
+private:
+    int m_decimals = 0;
+};
+
+} // namespace qrb
