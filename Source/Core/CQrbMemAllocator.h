@@ -28,8 +28,6 @@ public:
     /// Makes at least `count` blocks for `size` bytes ready, so that taking them asks the system for nothing.
     /// Sizes above kMaxPooledSize are ignored.
     static void prefill(std::size_t size, std::size_t count);
-    /// Bytes usable in `block`, which is not null.
-    [[nodiscard]] static std::size_t usableSize(const void* block) noexcept;
     /// Number of chunks of small blocks taken from the system since the pools came into being.
     [[nodiscard]] static std::size_t chunkCount() noexcept;
     /// Returns all pools to the system; every small block must have been released and no other thread may be inside the
