@@ -38,6 +38,8 @@ Result compileText(std::string_view xml, const std::string& fileName, const Opti
     const DocumentNode root = expander.expand(*file);
     if (!session.hasErrors())
         checkDocument(session, root);
+    if (!session.hasErrors())
+        result.packedFiles = collectPackedFiles(session, root);
     std::vector<std::uint8_t> bytes;
     if (!session.hasErrors())
         bytes = CDocumentWriter(session).write(root);

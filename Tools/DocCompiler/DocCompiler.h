@@ -71,11 +71,20 @@ struct Options {
     std::function<std::optional<std::string>(const std::string& path)> readFile;
 };
 
+/// A data file that a document wants in the resource store: an object named "appdata" with the attribute `file`, whose
+/// text is "source|resource", or one text for both.
+struct PackedFile {
+    std::string source; ///< As written: relative to the folder of the document.
+    std::string resource;
+    Diagnostic place; ///< Where the object stands; without a message.
+};
+
 struct Result {
     std::vector<std::uint8_t> bytes; ///< Empty when there are errors.
     std::vector<Diagnostic> errors;
     std::vector<Diagnostic> warnings;
     std::vector<std::string> dependencies; ///< Every file read, each once, the document first.
+    std::vector<PackedFile> packedFiles;
 
     [[nodiscard]] bool ok() const { return errors.empty(); }
     /// All errors, one a line.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Tools/DocCompiler/DocumentCheck.h"
 
+#include <algorithm>
+
 namespace qrbdoc {
 
 namespace {
@@ -65,6 +67,36 @@ void checkDocument(CCompileSession& session, const DocumentNode& root)
     CChecker checker(session, std::move(templates));
     for (const DocumentNode& child : root.children)
         checker.check(child);
+}
+
+std::string splitPackedFile(const std::string& text, PackedFile& out)
+{
+    const std::size_t bar = text.find('|');
+    out.source = text.substr(0, bar);
+    out.resource = bar == std::string::npos ? text : text.substr(bar + 1);
+    const bool isGood = !out.source.empty() && !out.resource.empty() && out.resource.find('|') == std::string::npos;
+    return isGood ? std::string() : "'" + text + "' is not of the form 'source|resource'";
+}
+
+std::vector<PackedFile> collectPackedFiles(CCompileSession& session, const DocumentNode& root)
+{
+    std::vector<PackedFile> out;
+    for (const DocumentNode& child : root.children) {
+        if (child.name == "appdata" && !child.isTemplate) {
+            const auto isFile = [](const auto& attribute) { return attribute.first == "file"; };
+            const auto file = std::find_if(child.attributes.begin(), child.attributes.end(), isFile);
+            PackedFile packed;
+            packed.place = child.place.file->diagnose(child.place.offset, {});
+            const std::string text = file == child.attributes.end() ? std::string() : file->second;
+            if (const std::string problem = splitPackedFile(text, packed); !problem.empty())
+                session.error(child.place, "attribute 'file' of an 'appdata' object: " + problem);
+            else
+                out.push_back(std::move(packed));
+        }
+        for (PackedFile& packed : collectPackedFiles(session, child))
+            out.push_back(std::move(packed));
+    }
+    return out;
 }
 
 } // namespace qrbdoc
