@@ -20,6 +20,25 @@ std::string_view withoutKey(std::string_view message) noexcept
     return hasKey ? message.substr(blank + 1) : message;
 }
 
+/// Path below the source root without extension. What stands before it depends on how the compiler was called.
+std::string_view shownPath(std::string_view file) noexcept
+{
+    constexpr std::string_view kRoot = "Source/";
+    for (std::size_t pos = file.rfind(kRoot); pos != std::string_view::npos && pos < file.size();) {
+        if (pos == 0 || file[pos - 1] == '/') {
+            file.remove_prefix(pos + kRoot.size());
+            break;
+        }
+        pos = file.rfind(kRoot, pos - 1);
+    }
+    while (file.starts_with("../")) {
+        file.remove_prefix(3);
+    }
+    const std::size_t dot = file.rfind('.');
+    const bool hasExtension = dot != std::string_view::npos && file.find('/', dot) == std::string_view::npos;
+    return hasExtension ? file.substr(0, dot) : file;
+}
+
 } // namespace
 
 CString CError::text() const
@@ -39,10 +58,7 @@ void CError::addLine(CString line)
 
 void CError::addTrace(const char* sourceFile, int sourceLine, const CString& objectName)
 {
-    const std::string_view file(sourceFile);
-    const std::size_t dot = file.rfind('.');
-    const bool hasExtension = dot != std::string_view::npos && file.find('/', dot) == std::string_view::npos;
-    CString line(hasExtension ? file.substr(0, dot) : file);
+    CString line(shownPath(sourceFile));
     line += "( ";
     line += formatInteger(sourceLine);
     line += " )";
