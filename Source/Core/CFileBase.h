@@ -3,19 +3,14 @@
 
 #include "Core/CPosStream.h"
 #include "Core/CString.h"
-
-#include <memory>
+#include "Platform/CSystemFile.h"
 
 namespace qrb {
-
-namespace platform {
-class CSystemFile;
-}
 
 /// Open file: handle and name. Nothing here locks a file against other processes.
 class CFileBase : public virtual CPosStream {
 public:
-    CFileBase();
+    CFileBase() = default;
     /// Closes; a failure to do so is logged and dropped.
     ~CFileBase() override;
     CFileBase(const CFileBase&) = delete;
@@ -23,7 +18,7 @@ public:
 
     /// Closes the file; without an open file nothing happens.
     CErrorPtr close();
-    [[nodiscard]] bool isOpen() const;
+    [[nodiscard]] bool isOpen() const { return m_file.isOpen(); }
     /// Name as it was opened, or "stdin", "stdout", "stderr".
     [[nodiscard]] const CString& getFileName() const { return m_name; }
 
@@ -32,7 +27,7 @@ public:
     CErrorPtr setPosition(std::uint64_t position) override;
 
 protected:
-    std::unique_ptr<platform::CSystemFile> m_file;
+    platform::CSystemFile m_file;
     CString m_name;
 };
 

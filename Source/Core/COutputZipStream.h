@@ -22,6 +22,7 @@ public:
     CErrorPtr close();
 
 private:
+    CErrorPtr finish();
     CErrorPtr flushBuffer();
 
     COutputStream* m_parent = nullptr;

@@ -25,6 +25,8 @@ public:
     CErrorPtr setPosition(std::uint64_t position) override;
 
 private:
+    CErrorPtr requireOpen() const;
+
     std::unique_ptr<CPosInputStream> m_reader;
 };
 

@@ -12,6 +12,26 @@ namespace qrb::platform {
 
 static_assert(sizeof(off_t) == sizeof(std::int64_t), "files beyond 2 GiB");
 
+namespace {
+
+int openFlags(EFileMode mode)
+{
+    switch (mode) {
+    case EFileMode::read:
+        // Without O_NONBLOCK the opening of a pipe for reading waits for a writer; regular files do not care.
+        return O_RDONLY | O_NONBLOCK;
+    case EFileMode::rewrite:
+        return O_WRONLY | O_CREAT | O_TRUNC;
+    case EFileMode::append:
+        return O_WRONLY | O_CREAT | O_APPEND;
+    case EFileMode::update:
+        break;
+    }
+    return O_RDWR | O_CREAT;
+}
+
+} // namespace
+
 CSystemFile::~CSystemFile()
 {
     close();
@@ -31,8 +51,7 @@ CSystemFile& CSystemFile::operator=(CSystemFile&& other) noexcept
 int CSystemFile::open(const std::string& path, EFileMode mode)
 {
     close();
-    // Without O_NONBLOCK the opening of a pipe for reading waits for a writer; regular files do not care.
-    const int flags = mode == EFileMode::read ? O_RDONLY | O_NONBLOCK : O_WRONLY | O_CREAT | O_TRUNC;
+    const int flags = openFlags(mode);
     int descriptor = -1;
     do {
         descriptor = ::open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY, 0666);
@@ -52,6 +71,16 @@ int CSystemFile::open(const std::string& path, EFileMode mode)
         }
     }
     return 0;
+}
+
+int CSystemFile::openStandard(EStandardStream stream)
+{
+    close();
+    const int standard = stream == EStandardStream::input    ? STDIN_FILENO
+                         : stream == EStandardStream::output ? STDOUT_FILENO
+                                                             : STDERR_FILENO;
+    m_descriptor = ::fcntl(standard, F_DUPFD_CLOEXEC, 0);
+    return m_descriptor >= 0 ? 0 : errno;
 }
 
 int CSystemFile::close()
@@ -80,6 +109,12 @@ int CSystemFile::read(void* data, std::size_t size, std::size_t& count)
 int CSystemFile::write(const void* data, std::size_t size)
 {
     std::size_t count = 0;
+    return write(data, size, count);
+}
+
+int CSystemFile::write(const void* data, std::size_t size, std::size_t& count)
+{
+    count = 0;
     while (count < size) {
         const ssize_t put = ::write(m_descriptor, static_cast<const char*>(data) + count, size - count);
         if (put >= 0)
