@@ -18,7 +18,7 @@ public:
         std::uint32_t index = 0;
     };
 
-    /// Splits a name; what follows "#" and is no number counts as index 0.
+    /// Splits a name; with anything but up to nine digits behind the "#" all of it is the base.
     [[nodiscard]] static CName split(const CString& name);
 
     /// Enters a child under the name, or under the highest index plus one if that index is taken. Gives the name it got.

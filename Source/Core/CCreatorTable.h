@@ -5,6 +5,7 @@
 #include "Core/CError.h"
 #include "Core/CQrbStdAllocator.h"
 #include "Core/CString.h"
+#include "Core/CTextRef.h"
 
 #include <memory>
 #include <span>
@@ -47,9 +48,12 @@ public:
     [[nodiscard]] const CCreator* find(const CString& tag) const;
     /// The class info of a plain object.
     [[nodiscard]] const CObjectClassInfo& baseInfo() const { return *m_baseInfo; }
+    /// The name of the attribute that every object has.
+    [[nodiscard]] const CTextRecord& fullNameKey() const { return *m_fullNameKey.record(); }
 
 private:
     std::unique_ptr<CObjectClassInfo> m_baseInfo;
+    CTextRef m_fullNameKey;
     CMap<CString, CCreator> m_creators;
 };
 

@@ -23,6 +23,9 @@ struct CModuleConfig {
     CMap<CString, std::span<const std::uint8_t>> resourceBytes; ///< single resources; the bytes stay with the caller
     CString sharedDocument;                ///< document of the shared tree; empty for an empty tree
     platform::IFolders* folders = nullptr; ///< stands for the system's folders if set; stays with the caller
+    /// Whether the last exit gives the allocator's pools back to the system. Only for a module none of whose objects,
+    /// not even a text, outlives it.
+    bool givesPoolsBack = false;
 };
 
 /// Life of the module in a process that may load it several times: entries are counted, the first makes all

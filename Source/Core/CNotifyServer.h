@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 namespace qrb {
 
@@ -30,8 +31,7 @@ public:
     [[nodiscard]] std::int32_t takeObjectId();
 
     /// Registers, or replaces the handler of, a listener of one event of one sender.
-    void listen(const CObject& sender, const CString& eventName, CObject& listener, const CString& handlerName,
-                const CObjectEvent& handler);
+    void listen(const CObject& sender, const CString& eventName, CObject& listener, const CObjectEvent& handler);
     /// Removes a registration, also from deliveries under way.
     void unlisten(const CObject& sender, const CString& eventName, const CObject& listener);
     /// Removes all registrations of an object as sender and as listener.
@@ -42,17 +42,19 @@ public:
     [[nodiscard]] CErrorPtr raise(const CObject& sender, const CString& eventName, const CEventArgs& args, EPost post);
 
 private:
-    using Records = CMap<CString, std::unique_ptr<CNotifyRecord>>;
-    using RecordSet = CSet<CNotifyRecord*>;
+    /// What an object takes part in: an event, and its sender, which may be the object itself.
+    using Uses = CSet<std::pair<CNotifyRecord*, const CObject*>>;
 
     [[nodiscard]] CNotifyRecord* findRecord(const CString& eventName);
+    [[nodiscard]] CNotifyRecord& makeRecord(const CString& eventName);
+    void forgetUse(const CObject& object, CNotifyRecord& record, const CObject& sender);
 
     const std::uint32_t m_number;
     platform::CRecursiveLock m_idLock{50};
     std::int32_t m_nextId = 0;
-    platform::CRecursiveLock m_mapLock{4000}; ///< never held while a record's lock is waited for
-    Records m_records;
-    CMap<const CObject*, RecordSet> m_recordsOfObject; ///< where an object is sender or listener
+    platform::CRecursiveLock m_mapLock{4000};                ///< never held while a record's lock is waited for
+    CMap<CString, std::unique_ptr<CNotifyRecord>> m_records; ///< live as long as the server
+    CMap<const CObject*, Uses> m_uses;
 };
 
 } // namespace qrb

@@ -127,6 +127,8 @@ public:
     [[nodiscard]] const CString& fullName() const;
     [[nodiscard]] EObjectState state() const { return m_state; }
     [[nodiscard]] bool isReadOnly() const { return m_isReadOnly; }
+    /// Whether this object only stands for another one, at the path in its attribute "target".
+    [[nodiscard]] bool isShortcut() const { return m_isShortcutChild; }
     /// Whether this object is a stored template: a name with a sealed payload.
     [[nodiscard]] bool isTemplate() const { return m_templateRecord != nullptr; }
     /// Number drawn from the tree's notify server; -1 in a tree without one. Thread: any.
@@ -165,7 +167,7 @@ private:
     friend class CAttrExpansion;
     friend class CAttrBindings;
 
-    enum class EAttrPart { all, attrsOnly, childsOnly };
+    enum class ENodePart { all, attrs, childs };
 
     CErrorPtr createFromTag(CObject*& out, const CString& tag, const CString& name, ERequireTemplate requireTemplate);
     CErrorPtr finishChild(CObject& child, const CAttrOverrides* overrides, const CAttrOverrides* attrs);
@@ -175,29 +177,31 @@ private:
     CErrorPtr findByAttrFailed(const CString& attrName, const CString& path, const CObject* found) const;
     const CObject* findTemplate(const CString& name) const;
 
-    CErrorPtr loadNode(CDocumentCursor& cursor, ERunInit runInit, EAttrPart part);
+    CErrorPtr loadNode(CDocumentCursor& cursor, ERunInit runInit, ENodePart part);
     CErrorPtr loadAttrs(CDocumentCursor& cursor, bool isSkipped);
     CErrorPtr loadChilds(CDocumentCursor& cursor);
     CErrorPtr loadTemplateRecord(CDocumentCursor& cursor);
-    CErrorPtr loadTemplatePart(EAttrPart part);
-    CErrorPtr loadFromBytes(const CString& name, ERunInit runInit);
+    CErrorPtr damagedDocument() const;
+    CErrorPtr loadTemplatePart(ENodePart part);
+    CErrorPtr loadDocument(const CString& name, ERunInit runInit);
     void holdDocument(const CObjectDocumentData& document);
 
+    void setFullName(CString&& name);
     void setRoot(std::shared_ptr<CNotifyServer> server);
-    void setClassInfo(const CObjectClassInfo& info);
     void applyClassDefaults();
     void makeReadOnly();
 
-    CErrorPtr setFromDocument(std::uint32_t nameHash, CTextRef&& name, CTextRef&& value, bool isExpanded);
-    CErrorPtr storeAttr(std::size_t index, CObjectAttr&& value, ESetter setter);
-    CErrorPtr expandAndStore(std::size_t index, const CString& value, ESetter setter);
+    CErrorPtr storeText(std::size_t index, CTextRef&& value, ESetter setter);
+    CErrorPtr storeValue(std::size_t index, CObjectAttr&& value, ESetter setter);
     CErrorPtr runSetter(std::size_t index);
     CErrorPtr flushSetters();
-    std::size_t attrIndex(const CString& name);
-    std::size_t attrIndex(std::uint32_t hash, const CString& text, CTextRef&& name);
+    CErrorPtr applyAttrs(const CAttrOverrides* attrs);
+    [[nodiscard]] std::size_t findOrAddAttr(const CString& name);
+    [[nodiscard]] std::size_t addAttr(std::uint32_t hash, CTextRef&& name);
+    CErrorPtr notifyBound(std::size_t index);
     CAttrBindings& bindings();
 
-    const CObjectClassInfo* m_classInfo;
+    const CObjectClassInfo* m_classInfo = nullptr;
     CAttrTable m_attrs;
     CArray<std::uint32_t, 0> m_pendingSetters; ///< indices into m_attrs, in the order queued
     CArray<CObject*> m_childs;                 ///< in the order of creation; owned
@@ -215,8 +219,10 @@ private:
     bool m_isShortcutChild = false;
     bool m_inheritsBridge = true;
     CString m_tag;
-    const CAttrOverrides* m_overrides = nullptr;
-    const CObject* m_template = nullptr; ///< the stored template this object is made from
+    CTextRef m_fullName;
+    const CAttrOverrides* m_overrides = nullptr;   ///< set during the child's init
+    const CAttrOverrides* m_callerAttrs = nullptr; ///< likewise; win over everything else
+    const CObject* m_template = nullptr;           ///< the stored template this object is made from
     std::unique_ptr<CObjectTemplateRecord> m_templateRecord;
     std::unique_ptr<CAttrBindings> m_bindings;  ///< in both directions; null while there is none
     CMap<CString, CObject*> m_templates;        ///< stored templates among the children

@@ -11,7 +11,7 @@
 #include "Core/CTextRef.h"
 
 #include <cstdint>
-#include <type_traits>
+#include <utility>
 
 namespace qrb {
 
@@ -19,6 +19,7 @@ class CObject;
 
 /// One named event of a class: exactly one of the two handlers is set.
 struct CObjectEvent {
+    CString name;
     CErrorPtr (*handler)(CObject& object) = nullptr;
     CErrorPtr (*handlerWithArgs)(CObject& object, const CEventArgs& args) = nullptr;
 
@@ -75,7 +76,7 @@ public:
             };
         else
             row.handler = [](CObject& object) -> CErrorPtr { return (static_cast<T&>(object).*method)(); };
-        addEvent(name, row);
+        addEvent(name, std::move(row));
     }
 
     /// Gives `name` a value that stands in the map before the document's attributes are applied, so that a "false"
@@ -90,7 +91,7 @@ public:
 
 private:
     void addAttr(const char* name, CAttrSetter setter);
-    void addEvent(const char* name, const CObjectEvent& event);
+    void addEvent(const char* name, CObjectEvent event);
     void rebuildSlots();
 
     CArray<CAttrRow> m_attrs;

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Core/CModule.h"
+
+#include "Core/CApplication.h"
+#include "Core/CProcessState.h"
+#include "Core/CQrbMemAllocator.h"
+#include "Platform/Folders.h"
+
+#include <memory>
+#include <mutex>
+
+namespace qrb {
+
+namespace {
+
+constinit std::mutex g_lock;
+unsigned g_entries = 0;
+bool g_givesPoolsBack = false;
+CProcessState* g_ownState = nullptr; // owned; no static object, whose destructor would run at a time not ours
+
+void destroyState()
+{
+    CApplication::finalize();
+    delete g_ownState;
+    g_ownState = nullptr;
+}
+
+} // namespace
+
+CErrorPtr CModule::enter(const CModuleConfig& config)
+{
+    const std::lock_guard guard(g_lock);
+    if (g_entries > 0) {
+        ++g_entries;
+        return {};
+    }
+    g_ownState = new CProcessState;
+    if (config.folders != nullptr)
+        g_ownState->folders = config.folders;
+    g_ownState->moduleFolder = CString::fromUtf8(g_ownState->folders->modulePath()) + "/";
+    if (CErrorPtr error = CApplication::init(config)) {
+        destroyState();
+        return std::move(error).traced(__FILE__, __LINE__, {});
+    }
+    g_givesPoolsBack = config.givesPoolsBack;
+    g_entries = 1;
+    return {};
+}
+
+void CModule::leave()
+{
+    const std::lock_guard guard(g_lock);
+    if (g_entries == 0 || --g_entries > 0)
+        return;
+    destroyState();
+    if (g_givesPoolsBack)
+        CQrbMemAllocator::destroyAll();
+}
+
+} // namespace qrb

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Core/CProcessState.h"
+
+#include "Core/CCreatorTable.h"
+#include "Core/CLog.h"
+#include "Core/CNotifyServerRegistry.h"
+#include "Core/CResourceStore.h"
+#include "Platform/Clock.h"
+#include "Platform/Folders.h"
+
+#include <cassert>
+
+namespace qrb {
+
+namespace {
+
+constinit std::atomic<CProcessState*> g_state{nullptr};
+
+} // namespace
+
+CProcessState::CProcessState()
+    : log(new CLog), ownFolders(new platform::CSystemFolders), folders(ownFolders.get()),
+      clockBase(platform::clockSeconds()), notifyServers(new CNotifyServerRegistry), resources(new CResourceStore),
+      creators(new CCreatorTable)
+{
+    g_state.store(this, std::memory_order_release);
+}
+
+CProcessState::~CProcessState()
+{
+    g_state.store(nullptr, std::memory_order_release);
+}
+
+CProcessState& processState()
+{
+    CProcessState* const state = processStateOrNull();
+    assert(state != nullptr);
+    return *state;
+}
+
+CProcessState* processStateOrNull()
+{
+    return g_state.load(std::memory_order_acquire);
+}
+
+} // namespace qrb

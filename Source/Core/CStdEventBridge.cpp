@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Core/CStdEventBridge.h"
+
+namespace qrb {
+
+void CStdEventBridge::declare(CObjectClassInfo& info)
+{
+    CObject::declare(info);
+}
+
+CErrorPtr CStdEventBridge::handlePostedEvent(const CEventArgs& args)
+{
+    CObject* const listener = findObject(args.getString("listener"));
+    if (listener == nullptr || listener->objectId() != args.getInt("listener-id", -1))
+        return {};
+    return listener->runEvent(args.getString("listener-proc"), args);
+}
+
+} // namespace qrb
