@@ -3,6 +3,7 @@
 
 #include <cstddef>
 
+#include "Audio/CSampleBufferPool.h"
 #include "Core/CProcessState.h"
 
 namespace qrb {
@@ -74,6 +75,13 @@ void CDenormNoise::run(std::size_t count, Store store)
 void CDenormNoise::fill(std::span<double> out)
 {
     run(out.size(), [out](std::size_t i, double noise) { out[i] = noise; });
+}
+
+CSampleBuffer CDenormNoise::makeBuffer(CSampleBufferPool& pool, int length)
+{
+    CSampleBuffer buffer = pool.get(length);
+    fill({buffer.data(), static_cast<std::size_t>(length)});
+    return buffer;
 }
 
 void CDenormNoise::add(std::span<const double> in, std::span<double> out)

@@ -6,6 +6,9 @@
 
 namespace qrb {
 
+class CSampleBuffer;
+class CSampleBufferPool;
+
 /// Soft silence: noise of +1e-11 or -1e-11 a sample, about -220 dB, that keeps recursive filters behind it from decaying
 /// into denormal numbers.
 ///
@@ -19,6 +22,9 @@ public:
 
     /// Fills `out` with noise.
     void fill(std::span<double> out);
+
+    /// The same as a fresh buffer of `length` samples.
+    [[nodiscard]] CSampleBuffer makeBuffer(CSampleBufferPool& pool, int length);
 
     /// `out` = `in` plus noise; equally long, may be the same.
     void add(std::span<const double> in, std::span<double> out);

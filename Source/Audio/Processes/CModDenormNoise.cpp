@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/Processes/CModDenormNoise.h"
+
+namespace qrb {
+
+void CModDenormNoiseModule::start()
+{
+    m_noises.resize(static_cast<std::size_t>(outputCount()));
+    for (CDenormNoise& noise : m_noises)
+        noise = CDenormNoise(CDenormNoise::takeSeed());
+}
+
+void CModDenormNoiseModule::process()
+{
+    const auto length = static_cast<std::size_t>(blockLength());
+    for (int i = 0; i < outputCount(); ++i)
+        m_noises[static_cast<std::size_t>(i)].add({input(0, i), length}, {writeOutput(i), length});
+}
+
+} // namespace qrb
