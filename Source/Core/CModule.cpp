@@ -35,6 +35,7 @@ CErrorPtr CModule::enter(const CModuleConfig& config)
         return {};
     }
     g_ownState = new CProcessState;
+    g_ownState->log->setSink(config.logSink);
     if (config.folders != nullptr)
         g_ownState->folders = config.folders;
     g_ownState->moduleFolder = CString::fromUtf8(g_ownState->folders->modulePath()) + "/";

@@ -4,6 +4,7 @@
 #include "Core/CArray.h"
 #include "Core/CCreatorTable.h"
 #include "Core/CError.h"
+#include "Core/CLog.h"
 #include "Core/CQrbStdAllocator.h"
 #include "Core/CResourceStore.h"
 #include "Core/CString.h"
@@ -23,6 +24,7 @@ struct CModuleConfig {
     CMap<CString, std::span<const std::uint8_t>> resourceBytes; ///< single resources; the bytes stay with the caller
     CString sharedDocument;                ///< document of the shared tree; empty for an empty tree
     platform::IFolders* folders = nullptr; ///< stands for the system's folders if set; stays with the caller
+    CLog::FSink logSink;                   ///< gets the lines of the log from the first one on
     /// Whether the last exit gives the allocator's pools back to the system. Only for a module none of whose objects,
     /// not even a text, outlives it.
     bool givesPoolsBack = false;
