@@ -11,8 +11,6 @@
 
 namespace qrb {
 
-class CInputStream;
-
 /// Small persistent blocks of one scope, one file each: the name of the block is the name of the file, its content one
 /// zlib chunk. Shared by all instances in the process; another process sees a change when it starts or reloads.
 /// Listeners attach with the name of a block and hear of writes of it. Nothing here reports failure: what can't be
@@ -59,7 +57,6 @@ private:
     [[nodiscard]] std::uint64_t numberOf(const CString& name);
     [[nodiscard]] bool loadFromSources(const CString& name, std::uint32_t chunkId, CByteArray& out) const;
     [[nodiscard]] bool loadFromResources(const CString& name, std::uint32_t chunkId, CByteArray& out) const;
-    [[nodiscard]] bool store(const CString& name, const CByteArray& data, std::uint32_t chunkId);
 
     const CPlaces m_places;
     platform::CRecursiveLock m_lock{4000}; ///< guards everything below

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Core/CProcessState.h"
 
+#include "Core/CAppData.h"
 #include "Core/CCreatorTable.h"
 #include "Core/CLog.h"
+#include "Core/CNotifierTable.h"
 #include "Core/CNotifyServerRegistry.h"
 #include "Core/CResourceStore.h"
+#include "Core/CTimerTable.h"
+#include "Core/CWorkerThreadPool.h"
 #include "Platform/Clock.h"
 #include "Platform/Folders.h"
 
@@ -24,6 +28,13 @@ CProcessState::CProcessState()
       creators(new CCreatorTable)
 {
     g_state.store(this, std::memory_order_release);
+    // From here on, since notifiers enter themselves in the state.
+    notifiers = std::make_unique<CNotifierTable>();
+    appDataGlobal = std::make_unique<CAppDataGlobal>();
+    appDataGroup = std::make_unique<CAppDataGroup>();
+    appDataLocal = std::make_unique<CAppDataLocal>();
+    timers = std::make_unique<CTimerTable>();
+    workers = std::make_unique<CWorkerThreadPool>();
 }
 
 CProcessState::~CProcessState()

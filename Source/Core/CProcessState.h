@@ -11,11 +11,17 @@
 
 namespace qrb {
 
+class CAppDataGlobal;
+class CAppDataGroup;
+class CAppDataLocal;
 class CCreatorTable;
 class CLog;
+class CNotifierTable;
 class CNotifyServerRegistry;
 class CObject;
 class CResourceStore;
+class CWorkerThreadPool;
+struct CTimerTable;
 namespace platform {
 class IFolders;
 }
@@ -36,6 +42,12 @@ public:
     std::unique_ptr<CNotifyServerRegistry> notifyServers;
     std::unique_ptr<CResourceStore> resources;
     std::unique_ptr<CCreatorTable> creators;
+    std::unique_ptr<CNotifierTable> notifiers; ///< which update notifiers live
+    std::unique_ptr<CAppDataGlobal> appDataGlobal;
+    std::unique_ptr<CAppDataGroup> appDataGroup;
+    std::unique_ptr<CAppDataLocal> appDataLocal;
+    std::unique_ptr<CTimerTable> timers;
+    std::unique_ptr<CWorkerThreadPool> workers;
     CObject* sharedObject = nullptr; ///< root of the shared tree; released by CApplication::finalize
 };
 

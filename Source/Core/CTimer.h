@@ -4,8 +4,6 @@
 #include "Core/CObject.h"
 #include "Platform/CMessageLoop.h"
 
-#include <cstdint>
-
 namespace qrb {
 
 /// Raises "tick" in intervals (tag core:timer). It runs on the message loop of the thread that sets its interval, and
@@ -32,11 +30,9 @@ private:
     CErrorPtr changeInterval(double seconds);
     CErrorPtr initTimer();
     void stop();
-    void tick();
-    static void onSystemTimer(std::uint64_t number, platform::CMessageLoop& loop);
+    static void onSystemTimer(platform::CMessageLoop::TimerId id, platform::CMessageLoop& loop);
 
-    double m_interval = 0.0;    ///< seconds
-    std::uint64_t m_number = 0; ///< in the table of running timers
+    double m_interval = 0.0; ///< seconds
     platform::CMessageLoop::TimerId m_systemTimer = 0;
 };
 

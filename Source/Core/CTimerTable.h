@@ -3,20 +3,18 @@
 
 #include "Core/CCheckedObject.h"
 #include "Core/CQrbStdAllocator.h"
+#include "Platform/CMessageLoop.h"
 #include "Platform/CRecursiveLock.h"
-
-#include <cstdint>
 
 namespace qrb {
 
 class CTimer;
 
-/// The running timers of the process, by a number that is never used twice: what a system timer that fires late finds
-/// here is its own CTimer or nothing.
+/// The running timers of the process by the numbers of their system timers. Those are never used twice, so what a late
+/// system timer finds here is its own CTimer or nothing.
 struct CTimerTable : CCheckedObject {
     platform::CRecursiveLock lock{4000}; ///< guards the fields, and keeps a timer that ticks from being destroyed
-    CMap<std::uint64_t, CTimer*> timers;
-    std::uint64_t lastNumber = 0;
+    CMap<platform::CMessageLoop::TimerId, CTimer*> timers;
 };
 
 } // namespace qrb

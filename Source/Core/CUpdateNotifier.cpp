@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Core/CUpdateNotifier.h"
+
+#include "Core/CNotifierListeners.h"
+#include "Core/CNotifierTable.h"
+#include "Core/CProcessState.h"
+#include "Core/CQrbStdAllocator.h"
+
+namespace qrb {
+
+CUpdateNotifier::CUpdateNotifier()
+    : m_listeners(std::allocate_shared<CNotifierListeners>(CQrbStdAllocator<CNotifierListeners>(), *this))
+{
+    processState().notifiers->add(this, m_listeners);
+}
+
+CUpdateNotifier::~CUpdateNotifier()
+{
+    retire();
+}
+
+void CUpdateNotifier::retire()
+{
+    // Null for those that go with the state itself.
+    if (CProcessState* const state = processStateOrNull())
+        state->notifiers->remove(this);
+    m_listeners->markDead();
+}
+
+std::uint64_t CUpdateNotifier::getUpdateKey(const CUpdateKeyArg& arg)
+{
+    return arg.number;
+}
+
+void CUpdateNotifier::notify(const CUpdateInfo* info)
+{
+    m_listeners->notify(info != nullptr ? *info : CUpdateInfo{});
+}
+
+} // namespace qrb
