@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Core/CQrbMemAllocator.h"
 
+#include "Core/CBlockPools.h"
 #include "Core/CCheckedObject.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
+#include <barrier>
 #include <cstdint>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -114,6 +117,45 @@ TEST(CQrbMemAllocator, NoBlockIsHandedOutTwiceWhileThreadsPassThemAround)
 std::uint8_t tagOf(const void* block)
 {
     return static_cast<const std::uint8_t*>(block)[-1];
+}
+
+TEST(CBatchStack, ABatchIsInOneHandAtATime)
+{
+    // Two batches in each hand and put back in the other order: what a head without a tag falls for.
+    std::array<CFreeBlock, 6> blocks{};
+    std::array<std::atomic<int>, 6> owners{};
+    CBatchStack stack;
+    for (CFreeBlock& block : blocks) {
+        block.count = 1;
+        stack.push(&block);
+    }
+    std::atomic<int> broken{0};
+    const auto indexOf = [&](const CFreeBlock* block) { return static_cast<std::size_t>(block - blocks.data()); };
+    std::barrier start(4);
+    const auto work = [&] {
+        start.arrive_and_wait();
+        for (int step = 0; step < 500000; ++step) {
+            std::array<CFreeBlock*, 2> taken{stack.pop(), stack.pop()};
+            for (CFreeBlock* block : taken) {
+                broken += block != nullptr && owners[indexOf(block)].exchange(1) != 0 ? 1 : 0;
+            }
+            for (CFreeBlock* block : taken) {
+                if (block != nullptr) {
+                    owners[indexOf(block)] = 0;
+                    stack.push(block);
+                }
+            }
+        }
+    };
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back(work);
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(broken, 0);
+    EXPECT_EQ(stack.blockCount(), 6);
 }
 
 TEST(CQrbMemAllocator, TagTellsTheClassAndLargeBlocksCarrySizeAndDistance)
