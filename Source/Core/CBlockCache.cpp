@@ -38,23 +38,13 @@ void CBlockCache::flush(CBlockPools& pools) noexcept
 {
     for (std::size_t i = 0; i < m_shelves.size(); ++i) {
         CShelf& shelf = m_shelves[i];
-        if (shelf.chain != nullptr) {
-            shelf.chain->count = shelf.count;
-            pools[i].giveBatch(shelf.chain);
+        if (CFreeBlock* chain = std::exchange(shelf.chain, nullptr)) {
+            chain->count = std::exchange(shelf.count, 0U);
+            pools[i].giveBatch(chain);
         }
-        if (shelf.reserve != nullptr) {
-            pools[i].giveBatch(shelf.reserve);
+        if (CFreeBlock* reserve = std::exchange(shelf.reserve, nullptr)) {
+            pools[i].giveBatch(reserve);
         }
-    }
-    forget();
-}
-
-void CBlockCache::forget() noexcept
-{
-    for (CShelf& shelf : m_shelves) {
-        shelf.chain = nullptr;
-        shelf.reserve = nullptr;
-        shelf.count = 0;
     }
 }
 

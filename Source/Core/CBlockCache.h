@@ -45,8 +45,6 @@ public:
     void giveSlowly(CBlockPools& pools, void* memory, std::uint8_t classNumber) noexcept;
     /// Gives everything to the pools.
     void flush(CBlockPools& pools) noexcept;
-    /// Forgets everything, since the pools are gone.
-    void forget() noexcept;
 
     /// Neighbours in the list of all threads' caches.
     CBlockCache* m_next = nullptr;

@@ -80,6 +80,12 @@ CFreeBlock* CBatchStack::pop() noexcept
     }
 }
 
+void CBatchStack::clear() noexcept
+{
+    while (pop() != nullptr) {
+    }
+}
+
 std::uint32_t CBlockPool::batchLimit(std::uint8_t classNumber) noexcept
 {
     return static_cast<std::uint32_t>(std::clamp<std::size_t>(kMaxBatchBytes / sizeOfClass(classNumber), 4, 32));
@@ -93,6 +99,7 @@ CFreeBlock* CBlockPool::makeChunk(std::uint8_t classNumber, std::uint32_t count)
         endOutOfMemory();
     }
     m_chunks = new (raw) CChunk{m_chunks};
+    m_itemCount += count;
     CFreeBlock* first = nullptr;
     for (std::uint32_t i = count; i-- > 0;) {
         unsigned char* block = raw + kTagRoom + i * stride;
@@ -162,18 +169,19 @@ std::size_t CBlockPool::chunkCount()
     return count;
 }
 
-void CBlockPool::freeChunks() noexcept
+std::size_t CBlockPool::freeChunksIfWhole() noexcept
 {
-    while (m_chunks != nullptr) {
-        std::free(std::exchange(m_chunks, m_chunks->next));
+    const platform::CScopedLock guard(m_lock);
+    const std::int64_t missing = m_itemCount - m_free.blockCount();
+    if (missing == 0) {
+        m_free.clear();
+        while (m_chunks != nullptr) {
+            std::free(std::exchange(m_chunks, m_chunks->next));
+        }
+        m_itemCount = 0;
+        m_itemsInNextChunk = 1;
     }
-}
-
-CBlockPools::~CBlockPools()
-{
-    for (CBlockPool& pool : m_pools) {
-        pool.freeChunks();
-    }
+    return static_cast<std::size_t>(missing);
 }
 
 std::size_t CBlockPools::chunkCount()
@@ -183,6 +191,15 @@ std::size_t CBlockPools::chunkCount()
         count += pool.chunkCount();
     }
     return count;
+}
+
+std::size_t CBlockPools::freeChunksIfWhole() noexcept
+{
+    std::size_t missing = 0;
+    for (CBlockPool& pool : m_pools) {
+        missing += pool.freeChunksIfWhole();
+    }
+    return missing;
 }
 
 } // namespace qrb

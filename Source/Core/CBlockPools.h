@@ -27,6 +27,8 @@ public:
     [[nodiscard]] CFreeBlock* pop() noexcept;
     /// Number of free blocks, a moment ago.
     [[nodiscard]] std::int64_t blockCount() const noexcept { return m_blockCount.load(std::memory_order_relaxed); }
+    /// Forgets all batches. Nobody else may use the stack meanwhile.
+    void clear() noexcept;
 
 private:
     __extension__ using CWord128 = unsigned __int128;
@@ -53,7 +55,8 @@ public:
     void giveBatch(CFreeBlock* batch) noexcept { m_free.push(batch); }
     void prefill(std::uint8_t classNumber, std::size_t count);
     [[nodiscard]] std::size_t chunkCount();
-    void freeChunks() noexcept;
+    /// Gives all chunks back to the system if every block is here, and returns how many are not.
+    std::size_t freeChunksIfWhole() noexcept;
 
 private:
     struct CChunk {
@@ -67,6 +70,7 @@ private:
     platform::CRecursiveLock m_lock{kSpinCount}; // for all below
     CChunk* m_chunks = nullptr;
     std::uint32_t m_itemsInNextChunk = 1;
+    std::int64_t m_itemCount = 0; // in all chunks
 
     static constexpr unsigned kSpinCount = 50;
 };
@@ -74,14 +78,10 @@ private:
 /// The pools of all size classes.
 class CBlockPools {
 public:
-    CBlockPools() = default;
-    CBlockPools(const CBlockPools&) = delete;
-    CBlockPools& operator=(const CBlockPools&) = delete;
-    /// Gives all chunks back to the system.
-    ~CBlockPools();
-
     [[nodiscard]] CBlockPool& operator[](std::size_t classNumber) noexcept { return m_pools[classNumber]; }
     [[nodiscard]] std::size_t chunkCount();
+    /// See CBlockPool.
+    std::size_t freeChunksIfWhole() noexcept;
 
 private:
     std::array<CBlockPool, 255> m_pools;

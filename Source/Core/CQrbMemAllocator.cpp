@@ -61,7 +61,10 @@ std::size_t CQrbMemAllocator::chunkCount() noexcept
     return 0;
 }
 
-void CQrbMemAllocator::destroyAll() noexcept {}
+std::size_t CQrbMemAllocator::destroyAll() noexcept
+{
+    return 0;
+}
 
 #else
 
@@ -274,16 +277,23 @@ std::size_t CQrbMemAllocator::chunkCount() noexcept
     return present != nullptr ? present->chunkCount() : 0;
 }
 
-void CQrbMemAllocator::destroyAll() noexcept
+std::size_t CQrbMemAllocator::destroyAll() noexcept
 {
     const std::lock_guard guard(g_cachesLock);
+    CBlockPools* present = g_pools.load(std::memory_order_acquire);
+    if (present == nullptr) {
+        return 0;
+    }
     for (CBlockCache* cache = g_caches; cache != nullptr; cache = cache->m_next) {
-        cache->forget();
+        cache->flush(*present);
     }
-    if (CBlockPools* gone = g_pools.exchange(nullptr, std::memory_order_acq_rel)) {
-        gone->~CBlockPools();
-        std::free(gone);
+    const std::size_t missing = present->freeChunksIfWhole();
+    if (missing == 0) {
+        g_pools.store(nullptr, std::memory_order_release);
+        present->~CBlockPools();
+        std::free(present);
     }
+    return missing;
 }
 
 #endif

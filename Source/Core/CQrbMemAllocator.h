@@ -30,9 +30,10 @@ public:
     static void prefill(std::size_t size, std::size_t count);
     /// Number of chunks of small blocks taken from the system since the pools came into being.
     [[nodiscard]] static std::size_t chunkCount() noexcept;
-    /// Returns all pools to the system; every small block must have been released and no other thread may be inside the
-    /// allocator. Large blocks are not touched. Allocation works again afterwards.
-    static void destroyAll() noexcept;
+    /// Returns the pools to the system, save those of sizes that still have blocks out, which stay usable, and returns the
+    /// number of these blocks (0 when the library's memory is all back). No other thread may be inside the allocator.
+    /// Large blocks are not touched. Allocation works again afterwards.
+    static std::size_t destroyAll() noexcept;
 };
 
 } // namespace qrb
