@@ -369,7 +369,7 @@ bool CString::equals(const CString& other) const noexcept
 
 bool CString::equals(const char* narrow) const noexcept
 {
-    return compare(narrow) == 0;
+    return std::is_eq(compare(narrow));
 }
 
 std::strong_ordering CString::compare(const CString& other) const noexcept
