@@ -1,31 +1,37 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Audio/CAudioLineSource.h"
 #include "Audio/CExternalEventQueue.h"
 #include "Audio/CHostBusFormat.h"
+#include "Audio/CHostParam.h"
 #include "Audio/CPluginProject.h"
 #include "Core/CCheckedObject.h"
 #include "Core/CError.h"
+#include "Core/CString.h"
 
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace qrb {
 
 class CAudioEnv;
-class CAudioParam;
 class CAudioParamCollector;
-class CAudioProcess;
+class CAudioProcessBase;
 class CModOutput;
 class CObject;
 class CSampleBufferPool;
 
 /// One instance of the plug-in, whatever the host: its object tree, its two top process nodes and the main loop.
 /// A binding derives from it and forwards the host's calls. Created stopped; init() once, then any number of start and
-/// stop pairs. Owner: the host's main thread; what runs elsewhere says so.
+/// stop pairs. Owner: the thread that runs init(), the host's main thread; what runs elsewhere says so.
 class CAudioWrapper : public CCheckedObject {
 public:
+    /// Most samples that the graph gets at once; longer blocks are cut.
+    static constexpr int kMaxSubBlock = 512;
+
     CAudioWrapper();
     ~CAudioWrapper() override;
     CAudioWrapper(const CAudioWrapper&) = delete;
@@ -35,7 +41,7 @@ public:
     virtual CErrorPtr init();
     /// The latency has changed: the host should ask for it. Thread: audio, or the one that calls start or stop.
     virtual void onLatencyChange();
-    /// Thread: audio. Ignored by default.
+    /// Ignored by default. Thread: audio.
     virtual void onMidiEvent(const CExternalEvent& event);
     /// Applies a value to what the event's index stands for. False if that could not be done without waiting for a
     /// lock: the event, and those behind it, are offered again at the next sub-block. Thread: audio, or the one that
@@ -53,8 +59,10 @@ public:
     /// Both run one sample of silence, so that the latency is known when they return.
     void start();
     void stop();
-    /// Tells the graph whether time matters, and so how much oversampling it may do.
+    /// Tells the graph whether time matters, and so how much oversampling it may do. Thread: that of processBlock, or
+    /// any while stopped.
     void setOffline(bool isOffline);
+    /// Thread: as setOffline.
     void setHostBPM(double bpm);
 
     /// Queues an event for the next block. Thread: that of processBlock.
@@ -66,42 +74,70 @@ public:
     /// Latency in samples; the host has seen it now. Thread: any.
     int getLatencySamples();
     /// True since a latency change until getLatencySamples() is called. Thread: any.
-    [[nodiscard]] bool isLatencyChangePending() const { return m_isLatencyChanged.load(); }
+    [[nodiscard]] bool isLatencyChangePending() const { return m_isLatencyChangePending.load(); }
     /// Samples that sound on after the input has ended; 0 where the product tells none.
     [[nodiscard]] std::int64_t getTailSamples() const;
+    /// Thread: any.
     [[nodiscard]] bool isActive() const;
+    /// Does what blocks have left for the owner's thread: listeners, application data. To be called from time to time.
+    void runIdle();
 
     [[nodiscard]] const CPluginProject& project() const { return m_project; }
     [[nodiscard]] CObject& root() { return *m_root; }
     [[nodiscard]] CAudioEnv& env() { return *m_env; }
     [[nodiscard]] CAudioParamCollector& paramCollector() { return *m_paramCollector; }
-    [[nodiscard]] const CString& fullName() const { return m_name; }
     /// Calls of the library's allocator during the last block. Thread: that of processBlock.
     [[nodiscard]] std::uint64_t getBlockAllocations() const { return m_blockAllocations; }
 
 private:
     CErrorPtr createTree();
     CErrorPtr findObjects();
-    void findParams();
+    void attachHostParams();
     CErrorPtr createNodes();
     void readSettings();
 
-    void applyConfiguration();
-    void primeGraph();
-    bool applyEvents();
-    void takeExchangedLists(int sampleCount, bool isFirst);
-    void fillInputs(const void* const* inputs, int position, int count);
-    void copyOutputs(void* const* outputs, int position, int count);
+    void setChannelCounts(int main, int sidechain);
     void updateOversamplingMode();
-    void flushLatencyChange();
+    void flushHostParams();
 
-    CString m_name;
+    void announceInputs();
+    void primeGraph();
+    [[nodiscard]] bool canProcess(const void* const* inputs, void* const* outputs) const;
+    void runSubBlocks(const void* const* inputs, void* const* outputs, int sampleCount);
+    [[nodiscard]] bool applyEvents(int position);
+    void takeChanges();
+    void sendInputs(const void* const* inputs, int position, int count);
+    void advanceTime(int count);
+
+    [[nodiscard]] CString fullName() const;
+
     CPluginProject m_project;
-    CObject* m_root = nullptr; // released by the destructor, behind the nodes
+    CObject* m_root = nullptr; // released behind the nodes, which read its parameters
     CAudioEnv* m_env = nullptr;
     CAudioParamCollector* m_paramCollector = nullptr;
-    std::atomic<bool> m_isLatencyChanged{false};
+
+    std::unique_ptr<CSampleBufferPool> m_pool; // outlives all that holds its buffers
+    CAudioLineSource m_inputSource;
+    std::unique_ptr<CAudioProcessBase> m_mainNode;
+    std::unique_ptr<CAudioProcessBase> m_lastNode;
+    CModOutput* m_outputNode = nullptr; // the same as m_lastNode
+
+    CHostBusFormat m_inputFormat;
+    CHostBusFormat m_sidechainFormat;
+    const void* const* m_sidechainBuffers = nullptr;
+    std::atomic<bool> m_isReconfigureDue{true};
     CExternalEventQueue m_events;
+
+    bool m_isOffline = false;
+    int m_oversamplingLevel = 1;
+    std::optional<int> m_oversamplingMode;
+    double m_hostBPM = -1.0;
+    CHostParam m_hostOversamplingMode;
+    CHostParam m_hostOffline;
+    CHostParam m_hostLatencyChange;
+    CHostParam m_hostBPMParam;
+
+    std::atomic<bool> m_isLatencyChangePending{false};
     std::uint64_t m_blockAllocations = 0;
 };
 

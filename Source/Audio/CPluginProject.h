@@ -20,22 +20,22 @@ struct CPluginProject {
 
     CString name;
     CString vendor;
-    std::array<int, 3> version{};
-    std::uint32_t code = 0; ///< four characters, the first one highest
+    std::array<int, 3> version{}; ///< a missing third number is 0
+    std::uint32_t code = 0;       ///< four characters, the first one highest
     int internalChannelCount = 1;
     int groupCount = 1;
     std::optional<double> tailSeconds; ///< none: no tail is reported
-    int autoOversamplingMode = 0;      ///< oversampling mode while the host runs in real time, plus 1
-    bool isVizAlwaysActive = false;
-    bool isSymmetricIO = false;
+    int autoOversamplingMode = 0;      ///< mode while the host runs in real time, plus 1
     bool useHostBPM = false;
-    bool useHostRecording = false;
     bool useSidechain = false;
-    bool useRouting = false;
-    bool useMidSide = false;
 
     /// Replaces everything; on failure the content is undefined.
     CErrorPtr read(const CObject& project);
+
+private:
+    CErrorPtr parseVersion(const CString& text);
+    CErrorPtr parseCode(const CString& text);
+    void parseTail(const CString& text);
 };
 
 } // namespace qrb

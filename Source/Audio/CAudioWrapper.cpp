@@ -1,0 +1,263 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/CAudioWrapper.h"
+
+#include "Audio/CAudioEnv.h"
+#include "Audio/CAudioParamCollector.h"
+#include "Audio/CAudioProcessBase.h"
+#include "Audio/CAudioProcessDefBase.h"
+#include "Audio/CSampleBufferPool.h"
+#include "Audio/Processes/CModOutput.h"
+#include "Core/CAppData.h"
+#include "Core/CApplication.h"
+#include "Core/CLog.h"
+#include "Core/CNumberText.h"
+#include "Core/CObject.h"
+#include "Core/CProcessState.h"
+#include "Platform/Clock.h"
+
+#include <algorithm>
+
+namespace qrb {
+
+namespace {
+
+constexpr const char* kPluginName = "plugin";
+constexpr const char* kMainNodeName = "plugin.modMain";
+constexpr const char* kOutputNodeName = "plugin.modOutput";
+constexpr int kMaxLines = 16;
+constexpr int kMaxOversamplingMode = 3;
+constexpr double kLowRateEnd = 72000.0;
+constexpr double kHighRateBegin = 144000.0;
+
+} // namespace
+
+CAudioWrapper::CAudioWrapper() = default;
+
+CAudioWrapper::~CAudioWrapper()
+{
+    m_inputSource.disconnectAll();
+    m_lastNode.reset();
+    m_mainNode.reset();
+    if (m_root != nullptr)
+        m_root->release();
+}
+
+CErrorPtr CAudioWrapper::init()
+{
+    const double begin = platform::clockSeconds();
+    if (processStateOrNull() == nullptr)
+        return QRB_ERROR("@qrbstr_CAudioWrapper_init_NoApp No application object created.");
+    QRB_TRY(createTree());
+    QRB_TRY(findObjects());
+    m_pool = std::make_unique<CSampleBufferPool>();
+    m_pool->prefill(1, kMaxLines);
+    m_pool->prefill(kMaxSubBlock, kMaxLines);
+    attachHostParams();
+    QRB_TRY(createNodes());
+    setChannelCounts(1, 0);
+    setOutputs({.channelCount = 1});
+    readSettings();
+    setOffline(false);
+    const double now = platform::clockSeconds();
+    logFormat("CAudioWrapper init time: %.4f s @ %.4f s", now - begin, now - processState().clockBase);
+    return nullptr;
+}
+
+CErrorPtr CAudioWrapper::createTree()
+{
+    QRB_TRY(CApplication::initRootObject(m_root, {}));
+    CObject* audio = nullptr;
+    QRB_TRY(m_root->findObjectChecked("shared::audio", audio));
+    CObject* plugin = nullptr;
+    QRB_TRY(m_root->createChild(plugin, audio->getAttrString("plugin-tag"), kPluginName, ERequireTemplate::yes));
+    CObject* project = nullptr;
+    QRB_TRY(m_root->findObjectChecked("shared::project", project));
+    return m_project.read(*project);
+}
+
+CErrorPtr CAudioWrapper::findObjects()
+{
+    QRB_TRY(m_root->findObjectChecked("plugin.audio-env", m_env));
+    QRB_TRY(m_root->findObjectChecked("plugin.param-collector", m_paramCollector));
+    return nullptr;
+}
+
+void CAudioWrapper::attachHostParams()
+{
+    m_hostOversamplingMode.attach(m_paramCollector->getParam("plugin.modMain.host-oversampling-mode"));
+    m_hostOffline.attach(m_paramCollector->getParam("plugin.modMain.host-offline"));
+    m_hostLatencyChange.attach(m_paramCollector->getParam("plugin.modMain.host-latency-change"));
+    if (m_project.useHostBPM)
+        m_hostBPMParam.attach(m_paramCollector->getParam("plugin.modMain.host-bpm"));
+}
+
+CErrorPtr CAudioWrapper::createNodes()
+{
+    CAudioProcessSetup setup;
+    setup.context = {m_paramCollector, m_env, m_pool.get()};
+    CAudioProcessDefBase* definition = nullptr;
+    QRB_TRY(m_root->findObjectChecked("shared::audio.modMain", definition));
+    setup.definition = definition;
+    setup.name = kMainNodeName;
+    QRB_TRY(instantiateProcess(setup, m_mainNode));
+    QRB_TRY(m_root->findObjectChecked("shared::audio.modOutput", definition));
+    setup.definition = definition;
+    setup.name = kOutputNodeName;
+    QRB_TRY(instantiateProcess(setup, m_lastNode));
+    m_outputNode = dynamic_cast<CModOutput*>(m_lastNode.get());
+    if (m_outputNode == nullptr)
+        return QRB_ERROR("@qrbstr_CAudioWrapper_init_InvalidOutProcessType Output process object "
+                         "'shared::audio.modOutput' is not of required 'CModOutput' type.");
+    m_inputSource.connect(0, m_mainNode->input(), 0);
+    m_mainNode->output().connect(0, m_lastNode->input(), 0);
+    return nullptr;
+}
+
+void CAudioWrapper::readSettings()
+{
+    CAppData* const settings = CAppData::findScope("group");
+    std::int32_t level = 0;
+    if (settings != nullptr && parseInteger(settings->getString("oversampling-level", "1"), level))
+        m_oversamplingLevel = level;
+}
+
+void CAudioWrapper::setSampleRate(double rate)
+{
+    if (rate == m_env->sampleRate() || !(rate > 0.0))
+        return;
+    {
+        const platform::CScopedLock guard(m_env->lock());
+        m_env->setSampleRate(rate);
+        m_isReconfigureDue = true;
+    }
+    updateOversamplingMode();
+}
+
+void CAudioWrapper::setInputs(const CHostBusFormat& main, const CHostBusFormat& sidechain,
+                              const void* const* sidechainBuffers)
+{
+    const bool hasNewCounts =
+        main.channelCount != m_inputFormat.channelCount || sidechain.channelCount != m_sidechainFormat.channelCount;
+    if (hasNewCounts)
+        setChannelCounts(main.channelCount, sidechain.channelCount);
+    m_inputFormat = main;
+    m_sidechainFormat = sidechain;
+    m_sidechainBuffers = sidechainBuffers;
+}
+
+void CAudioWrapper::setChannelCounts(int main, int sidechain)
+{
+    const platform::CScopedLock guard(m_env->lock());
+    m_inputFormat.channelCount = main;
+    m_sidechainFormat.channelCount = sidechain;
+    m_isReconfigureDue = true;
+}
+
+void CAudioWrapper::setOutputs(const CHostBusFormat& format)
+{
+    if (format.channelCount != m_outputNode->format().channelCount) {
+        const platform::CScopedLock guard(m_env->lock());
+        m_isReconfigureDue = true;
+    }
+    m_outputNode->setFormat(format);
+}
+
+void CAudioWrapper::start()
+{
+    {
+        const platform::CScopedLock guard(m_env->lock());
+        if (m_env->isActive())
+            return;
+        m_env->setActive(true);
+    }
+    primeGraph();
+}
+
+void CAudioWrapper::stop()
+{
+    {
+        const platform::CScopedLock guard(m_env->lock());
+        if (!m_env->isActive())
+            return;
+        m_env->setActive(false);
+    }
+    primeGraph();
+    m_mainNode->reset();
+    m_outputNode->reset();
+}
+
+void CAudioWrapper::setOffline(bool isOffline)
+{
+    if (isOffline != m_isOffline) {
+        m_isOffline = isOffline;
+        m_hostOffline.set(isOffline ? 1.0 : 0.0);
+    }
+    updateOversamplingMode();
+}
+
+void CAudioWrapper::updateOversamplingMode()
+{
+    int mode = m_project.autoOversamplingMode - 1;
+    if (m_isOffline) {
+        const double rate = m_env->sampleRate();
+        const int shift = rate < kLowRateEnd ? 1 : rate >= kHighRateBegin ? -1 : 0;
+        mode = std::clamp(m_oversamplingLevel + shift, 0, kMaxOversamplingMode);
+    }
+    if (mode == m_oversamplingMode)
+        return;
+    m_oversamplingMode = mode;
+    m_hostOversamplingMode.set(mode);
+}
+
+void CAudioWrapper::setHostBPM(double bpm)
+{
+    if (!m_project.useHostBPM || bpm == m_hostBPM)
+        return;
+    m_hostBPM = bpm;
+    m_hostBPMParam.set(bpm);
+}
+
+void CAudioWrapper::flushHostParams()
+{
+    m_hostOversamplingMode.flush();
+    m_hostOffline.flush();
+    m_hostLatencyChange.flush();
+    m_hostBPMParam.flush();
+}
+
+void CAudioWrapper::onLatencyChange()
+{
+    m_isLatencyChangePending = true;
+    m_hostLatencyChange.set(1.0);
+}
+
+void CAudioWrapper::onMidiEvent(const CExternalEvent&) {}
+
+int CAudioWrapper::getLatencySamples()
+{
+    if (m_isLatencyChangePending.exchange(false))
+        m_hostLatencyChange.set(0.0);
+    return m_env->latency();
+}
+
+std::int64_t CAudioWrapper::getTailSamples() const
+{
+    return roundHalfAway(m_project.tailSeconds.value_or(0.0) * m_env->sampleRate());
+}
+
+bool CAudioWrapper::isActive() const
+{
+    return m_env->isActive();
+}
+
+void CAudioWrapper::runIdle()
+{
+    m_paramCollector->runDeferred();
+}
+
+CString CAudioWrapper::fullName() const
+{
+    return kPluginName;
+}
+
+} // namespace qrb
