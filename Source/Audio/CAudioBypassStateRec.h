@@ -15,6 +15,7 @@ struct CAudioBypassStateRec : public CCheckedObject {
     CAudioBoundParam andParam;
     bool holds = false;
 
+    [[nodiscard]] bool isOfId(int id) const;
     /// Reads the parameters; true if the state has changed.
     bool evaluate(int group, int element);
 };

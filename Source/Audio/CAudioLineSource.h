@@ -24,9 +24,9 @@ public:
     /// Adds a connection unless there is one between these ports. `order` ranks it among those of the sink.
     void connect(int port, CAudioLineSink& sink, int sinkPort, int order = 0);
     void disconnect(int port, CAudioLineSink& sink, int sinkPort);
-    /// Removes all connections to a sink.
-    void disconnectFrom(CAudioLineSink& sink);
     void disconnectAll();
+    /// Removes one connection of this source.
+    void drop(CAudioProcessConnection& connection);
 
     [[nodiscard]] std::span<const CAudioLineInfo> lines() const { return m_lines.span(); }
     /// Announces the lines; sinks learn of it only where something differs.

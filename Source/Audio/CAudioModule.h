@@ -80,9 +80,18 @@ protected:
 
 private:
     friend class CAudioModuleInstance;
+    friend class CAudioModulePool;
 
     struct CPortLines {
         CArray<CAudioLine*, 2> lines;
+    };
+    /// What a line was when the module got it; the slot itself may come to carry another one.
+    struct CLineId {
+        int port;
+        int channel;
+        int group;
+
+        friend bool operator==(const CLineId&, const CLineId&) = default;
     };
 
     CAudioProcessTerminalBase* m_node = nullptr;
@@ -92,6 +101,7 @@ private:
     int m_blockLength = 0;
     double m_sampleRate = 1.0;
     CArray<CPortLines, 2> m_ports;
+    CArray<CLineId, 4> m_lineIds;
     CArray<CSampleBuffer, 2> m_outputs;
     CArray<std::uint8_t, 16> m_touched; ///< by allocation index
     bool m_isDirty = false;

@@ -20,6 +20,8 @@ class CAudioProcessTerminalBase;
 /// waits for the fade's last sample, wherever in a block that is; several that wait make one further fade.
 class CAudioModuleInstance : public CCheckedObject {
 public:
+    static constexpr int kAllLines = -1;
+
     CAudioModuleInstance(CAudioProcessTerminalBase& node, CAudioModulePool& modules);
     ~CAudioModuleInstance() override;
 
@@ -29,7 +31,7 @@ public:
     [[nodiscard]] int outputCount() const { return m_active->outputCount(); }
     [[nodiscard]] bool isFading() const { return m_fading != nullptr; }
 
-    /// New configuration: ends fades, gives the module its lines and starts it. `channel` -1 takes all lines.
+    /// New configuration: ends fades, gives the module the lines of a channel, or kAllLines, and starts it.
     /// Module state survives where lines and sample rate are what they were.
     void configure(int channel);
     /// Clears the module's signal state; the next update applies at once.
@@ -47,15 +49,20 @@ public:
     void releaseOutputs();
 
 private:
-    [[nodiscard]] bool setLines(CAudioModule& module, int channel);
-    void prepare(CAudioModule& module);
+    /// Gives a module the lines of m_channel; true if they, or the sample rate, are others than it had.
+    [[nodiscard]] bool giveLines(CAudioModule& module) const;
     void updateNow(CAudioModule& module);
     void startFade(int fadeLength);
     void endFade();
-    void runSegment(int length);
+    void runSegment(int length, int fadeLength);
     void runSplit(int blockLength, int fadeLength);
-    void mix(std::size_t output, int length, int hold, int fade);
-    [[nodiscard]] int fadeSamplesLeft() const { return m_holdLeft + m_fadeLeft; }
+    void runModule(CAudioModule& module, int length) const;
+    [[nodiscard]] CSampleBuffer mix(std::size_t output, int length, int hold, int fade);
+    /// The next fade starts within a block of this length, so that it has to be cut there.
+    [[nodiscard]] bool isCutNeeded(int blockLength) const
+    {
+        return isFading() && m_isFadePending && m_holdLeft + m_fadeLeft < blockLength;
+    }
 
     CAudioProcessTerminalBase& m_node;
     CAudioModulePool& m_modules;
@@ -63,7 +70,7 @@ private:
     std::unique_ptr<CAudioModule> m_fading;
     CArray<CFadeOscillator, 2> m_oscillators;
     CArray<CSampleBuffer, 2> m_outputs;
-    int m_channel = -1;
+    int m_channel = kAllLines;
     int m_group = 0;
     int m_holdLeft = 0;
     int m_fadeLeft = 0;

@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Audio/CAudioBypassStateRec.h"
 #include "Audio/CAudioProcessComposite.h"
-#include "Audio/CAudioProcessItem.h"
-#include "Core/CQrbStdAllocator.h"
-
-#include <memory>
+#include "Audio/CAudioProcessGraph.h"
 
 namespace qrb {
 
@@ -33,27 +29,21 @@ protected:
     void processLines() override;
 
 private:
-    friend class CAudioProcessWiring;
-
+    void initStates();
     [[nodiscard]] bool updateStates();
+    void announceInner();
     void rewire();
-    [[nodiscard]] bool holdsState(int id) const;
-    void applyLinks();
     void applyLinks(CAudioProcessLinkList& links, CAudioProcessItem* destination);
-    [[nodiscard]] bool createNode(CAudioProcessItem& item);
+    [[nodiscard]] bool createNode(CAudioProcessItem* item);
     void connectLink(const CAudioProcessLink& link, CAudioProcessItem* destination);
     void disconnectLink(const CAudioProcessLink& link, CAudioProcessItem* destination);
     void destroyUnused();
     void dropDisabled();
 
     const CAudioProcessDef* m_processDef = nullptr;
-    CMap<CString, CAudioProcessItem*> m_itemsByName;
-    CArray<std::unique_ptr<CAudioProcessItem>> m_items;
-    CAudioProcessLinkList m_outputLinks;
-    CArray<std::unique_ptr<CAudioBypassStateRec>> m_states;
-    CMap<int, CAudioBypassStateRec*> m_statesById;
-    CAudioLineSource m_innerInput;
+    CAudioLineSource m_innerInput; ///< where inner nodes get the input of this node from
     CArray<CAudioLineInfo> m_innerLines;
+    CAudioProcessGraph m_graph;
     std::uint8_t m_statesDirty = 1;
     bool m_isRebuildDue = true;
     bool m_isCleanupDue = false;

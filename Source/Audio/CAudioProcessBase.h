@@ -42,7 +42,8 @@ public:
     /// Once, before `init`.
     virtual void onCreated();
 
-    /// Takes the setup over, then enters remaps and binds parameters. Called by instantiateProcess() alone.
+    /// Brings the node to life: takes the setup over, enters remaps, binds parameters, then `onCreated` and `init`.
+    /// Called by instantiateProcess() alone.
     [[nodiscard]] CErrorPtr setUp(const CAudioProcessSetup& setup);
 
     [[nodiscard]] const CString& fullName() const { return m_name; }
@@ -81,12 +82,14 @@ public:
 protected:
     /// The node's own work on the gathered input lines.
     virtual void processLines();
+    /// Enters the definition's remaps and binds its allocations; not for nodes that only stand for others.
+    virtual void bindParams();
     /// Makes sure that the port exists, linked to or not.
     void declarePort(int port);
 
     /// Valid in update(): sample rate, lines or latency of the inputs differ from the last pass.
     [[nodiscard]] bool isConfigurationChanged() const { return m_isConfigurationChanged; }
-    /// Asks for a configuration pass in the next block.
+    /// Asks for a configuration pass: in the next block, or in this one from within init().
     void requestConfiguration() { m_isConfigurationRequested = true; }
     /// Takes and clears what changed of the bound parameters since the last call; false where nothing did.
     [[nodiscard]] bool takeParamChanges();
@@ -103,12 +106,13 @@ private:
         std::uint8_t* dirtyFlag;
     };
 
-    void bindParams();
-    void rebuildPorts();
-    void alignLines(bool isRateKept);
+    [[nodiscard]] bool settleLines();
+    void collectLines();
+    void alignLines();
+    void findBlockLength();
     void runDelayedUpdates();
     void gatherBuffers();
-    void gatherLine(CAudioLine& line);
+    [[nodiscard]] CSampleBuffer mergeSources(const CAudioLine& line);
     [[nodiscard]] CSampleBuffer takeSource(const CAudioLine::CSource& source);
 
     CAudioProcessContext m_context;
@@ -129,9 +133,5 @@ private:
     std::uint8_t m_paramsDirty = 0;
     int m_allocCount = 0;
 };
-
-/// Makes the node of a definition, expanded as the definition asks: a stack, or the node itself.
-/// On an error `out` is null.
-[[nodiscard]] CErrorPtr instantiateProcess(const CAudioProcessSetup& setup, std::unique_ptr<CAudioProcessBase>& out);
 
 } // namespace qrb

@@ -33,8 +33,6 @@ public:
     [[nodiscard]] bool holds(double value, double andValue) const;
 
 private:
-    [[nodiscard]] CErrorPtr readRange(const char* attr, const char* message, std::optional<CRange>& out);
-
     int m_id = 0;
     CString m_param;
     CString m_andParam;

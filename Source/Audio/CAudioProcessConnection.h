@@ -29,6 +29,7 @@ public:
         CSampleBuffer buffer;
         int length = 0; ///< samples in `buffer`
         std::unique_ptr<CDSPModDelay> delay;
+        bool isKnown = false; ///< the sink has taken the line over, so a delay that it gets crosses over
     };
 
     CAudioProcessConnection(CAudioLineSource& source, int sourcePort, CAudioLineSink& sink, int sinkPort, int order);
@@ -37,7 +38,12 @@ public:
     [[nodiscard]] int sourcePort() const { return m_sourcePort; }
     [[nodiscard]] int sinkPort() const { return m_sinkPort; }
     [[nodiscard]] int order() const { return m_order; }
-    [[nodiscard]] const CAudioLineSink& sink() const { return m_sink; }
+    [[nodiscard]] CAudioLineSource& source() const { return m_source; }
+    [[nodiscard]] CAudioLineSink& sink() const { return m_sink; }
+    [[nodiscard]] bool isBetween(int sourcePort, const CAudioLineSink& sink, int sinkPort) const
+    {
+        return sourcePort == m_sourcePort && &sink == &m_sink && sinkPort == m_sinkPort;
+    }
     [[nodiscard]] CArray<CLine>& lines() { return m_lines; }
     /// Port of the sink that a line arrives at.
     [[nodiscard]] int arrivalPort(const CLine& line) const
@@ -50,9 +56,11 @@ public:
     /// Takes this block of the source's line `sourceIndex`.
     void send(int sourceIndex, const CSampleBuffer& buffer, int length);
 
-    /// Sets how many samples a line lacks to be level with the others; a change crosses over. `isKnown`: the line has
-    /// been sounding, so that even its first delay has to cross over.
-    void alignLine(CLine& line, int samples, bool isKnown, CSampleBufferPool& pool);
+    /// Sets how many samples a line lacks to be level with the others. A change crosses over; a line that is new here
+    /// takes its delay at once.
+    void alignLine(CLine& line, int samples, CSampleBufferPool& pool);
+    /// The line's block of `length` samples, delayed as set; silence where none has been sent. Gives it up.
+    [[nodiscard]] CSampleBuffer takeBlock(CLine& line, int length, CSampleBufferPool& pool);
     /// Forgets what the delays hold and the blocks on their way.
     void reset();
 

@@ -29,7 +29,7 @@ public:
     /// Makes the new counts the old ones.
     void beginRebuild();
     void clearNewCounts();
-    /// Drops links that do not count and did not.
+    /// Drops links that do not count, once what they stood for is disconnected.
     void dropUnused();
     [[nodiscard]] bool hasNewLinks() const;
     [[nodiscard]] CArray<CAudioProcessLink>& links() { return m_links; }

@@ -31,8 +31,6 @@ public:
     void addSource(const CAudioLineInfo& info, CAudioLine::CSource source, bool isSeparate);
     /// Gives the buffers of the block up.
     void releaseBuffers();
-    /// Identity of the table, to tell whether it has changed.
-    [[nodiscard]] bool hasSameLines(const CAudioProcessPort& other) const;
 
 private:
     std::array<CAudioLine, kMaxLines> m_lines;

@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Core/CError.h"
 #include "Core/CString.h"
+
+#include <memory>
 
 namespace qrb {
 
 class CAudioEnv;
 class CAudioParamCollector;
+class CAudioProcessBase;
 class CAudioProcessDefBase;
 class CSampleBufferPool;
 
@@ -33,5 +37,13 @@ struct CAudioProcessSetup {
     int elementIndex = 0; ///< element its parameters are read at, before the definition's shift
     EExpansion expansion = EExpansion::all;
 };
+
+/// Makes the node of a definition, expanded as the definition asks: a stack, or the node itself. Remaps and parameters
+/// of the definition are entered on the way. On an error `out` is null.
+[[nodiscard]] CErrorPtr instantiateProcess(const CAudioProcessSetup& setup, std::unique_ptr<CAudioProcessBase>& out);
+
+/// The same for a node that stands at the top of an instance's graph: first makes known what all definitions below it
+/// declare. Reads files, so not on the audio thread.
+[[nodiscard]] CErrorPtr instantiateTopProcess(const CAudioProcessSetup& setup, std::unique_ptr<CAudioProcessBase>& out);
 
 } // namespace qrb

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Audio/CAudioProcessComposite.h"
+#include "Audio/CAudioStackGroup.h"
 
 #include <cstdint>
 #include <memory>
@@ -9,7 +10,7 @@
 namespace qrb {
 
 /// Node that stands for one chain of instances of its definition for each channel group (or each channel), each chain
-/// as long as a parameter says. Chains come and go with the lines.
+/// as long as a parameter says. Chains come and go with the lines of port 0.
 class CAudioProcessStack : public CAudioProcessComposite {
 public:
     /// Longest chain.
@@ -22,36 +23,24 @@ public:
     void update() override;
     void disconnectAll() override;
 
+    [[nodiscard]] std::span<const std::unique_ptr<CAudioStackGroup>> groups() const { return m_groups.span(); }
+
 protected:
+    void bindParams() override;
     void processLines() override;
 
 private:
-    /// Instances in series, fed by the lines that belong to the chain.
-    struct CChain : public CCheckedObject {
-        int channel = -1; ///< -1: all channels of the group
-        CAudioLineSource input;
-        CArray<CAudioLineInfo> lines;
-        CArray<CAudioLine*> slots; ///< input slot of each line
-        CArray<std::unique_ptr<CAudioProcessBase>> instances;
-        bool isUsed = false;
-    };
-    struct CAudioStackGroup : public CCheckedObject {
-        int group = 0; ///< modulo 32
-        CArray<std::unique_ptr<CChain>> chains;
-    };
-
     void updateGroups();
     void assignLines(CAudioStackGroup& group);
-    [[nodiscard]] CChain& findChain(CAudioStackGroup& group, int channel);
     void updateLengths();
     [[nodiscard]] int desiredLength(int group) const;
-    void setLength(CAudioStackGroup& group, CChain& chain, int length);
+    void setLength(int group, CAudioStackChain& chain, int length);
+    [[nodiscard]] std::unique_ptr<CAudioProcessBase> makeInstance(int group, int element);
     void rebuildSequence();
 
     CAudioBoundParam m_countParam;
     std::uint8_t m_countDirty = 0;
-    bool m_isChannelStack = false;
-    CArray<std::unique_ptr<CAudioStackGroup>> m_groups;
+    CArray<std::unique_ptr<CAudioStackGroup>> m_groups; ///< in ascending order
 };
 
 } // namespace qrb

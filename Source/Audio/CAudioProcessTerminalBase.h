@@ -33,7 +33,7 @@ private:
     void configureInstances();
     void touchChangedParams();
     void announceLines();
-    [[nodiscard]] bool isSmoothTouched(int group) const;
+    [[nodiscard]] bool isSmooth(int group, bool isEverythingTouched);
     [[nodiscard]] static bool isTouched(const CAudioBoundParam& param, int group);
 
     CAudioModulePool m_modules;

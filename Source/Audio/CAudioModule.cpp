@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/CAudioModule.h"
+
+#include "Audio/CAudioProcessTerminalBase.h"
+#include "Audio/CSampleBufferPool.h"
+
+namespace qrb {
+
+void CAudioModule::start() {}
+
+void CAudioModule::reset() {}
+
+void CAudioModule::update() {}
+
+void CAudioModule::regParams() {}
+
+CSampleBufferPool& CAudioModule::pool() const
+{
+    return m_node->pool();
+}
+
+int CAudioModule::element() const
+{
+    return m_node->elementIndex();
+}
+
+int CAudioModule::lineCount(int port) const
+{
+    const auto place = static_cast<std::size_t>(port);
+    return place < m_ports.size() ? static_cast<int>(m_ports[place].lines.size()) : 0;
+}
+
+const CAudioLine* CAudioModule::line(int port, int index) const
+{
+    if (index < 0 || index >= lineCount(port)) {
+        return nullptr;
+    }
+    return m_ports[static_cast<std::size_t>(port)].lines[static_cast<std::size_t>(index)];
+}
+
+const double* CAudioModule::input(int port, int index) const
+{
+    const CAudioLine* found = line(port, index);
+    return found == nullptr ? nullptr : found->buffer.data();
+}
+
+double* CAudioModule::writeOutput(int index)
+{
+    CSampleBuffer& buffer = m_outputs[static_cast<std::size_t>(index)];
+    buffer = pool().get(m_blockLength);
+    return buffer.data();
+}
+
+void CAudioModule::passInput(int port, int inputIndex, int outputIndex)
+{
+    const CAudioLine* found = line(port, inputIndex);
+    m_outputs[static_cast<std::size_t>(outputIndex)] =
+        found == nullptr ? pool().getSilence(m_blockLength) : found->buffer;
+}
+
+void CAudioModule::setOutput(int index, const CSampleBuffer& buffer)
+{
+    m_outputs[static_cast<std::size_t>(index)] = buffer;
+}
+
+CAudioParamSlot CAudioModule::regParam(int index, double unbound) const
+{
+    return m_node->regParam(index, unbound);
+}
+
+bool CAudioModule::isTouched(const CAudioParamSlot& slot) const
+{
+    const auto place = static_cast<std::size_t>(slot.index);
+    return m_isFirstUpdate || (place < m_touched.size() && m_touched[place] != 0);
+}
+
+} // namespace qrb

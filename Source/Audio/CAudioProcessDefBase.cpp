@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/CAudioProcessDefBase.h"
+
+namespace qrb {
+
+CErrorPtr CAudioProcessDefBase::init()
+{
+    QRB_TRY(CAudioProcessDefBaseInit::init());
+    m_multibandFreqParam = getAttrString("multiband-freq-param");
+    m_multibandCountParam = getAttrString("multiband-count-param");
+    m_stackParam = getAttrString("stack-param");
+    m_isStacked = getAttrBool("is-stacked");
+    m_isSmoothUpdate = getAttrBool("is-smooth-update");
+    m_stackIndexShift = getAttrInt("stack-index-shift");
+    if (m_stackIndexShift < 0) {
+        return QRB_ERROR("@qrbstr_CAudioProcessDefBase_init_InvalidStackIndexShift Invalid stack index shift value "
+                         "'%1' specified.",
+                         m_stackIndexShift);
+    }
+    m_isMultiband = getAttrBool("is-multiband");
+    m_isTerminalWhole = getAttrBool("is-terminal-whole");
+    m_isChannelStack = getAttrBool("is-channel-stack");
+    m_isPrototype = getAttrBool("is-prototype");
+    m_isOutOfOrder = getAttrBool("is-outoforder");
+    m_bypassStateId = getAttrInt("bypass-state-id", kNoState);
+    m_isCompInput = getAttrBool("is-comp-input");
+    const CString combo = getAttrString("input-combo-mode");
+    m_inputCombo = combo == "avg" ? EInputCombo::average : combo == "max" ? EInputCombo::maximum : EInputCombo::sum;
+    return nullptr;
+}
+
+} // namespace qrb
