@@ -17,8 +17,12 @@ namespace qrb {
 class CAudioParamData : public CCheckedObject {
 public:
     CAudioParamData() = default;
+    /// Duplicates all items under their keys.
+    CAudioParamData(const CAudioParamData& other);
+    CAudioParamData& operator=(const CAudioParamData& other);
     CAudioParamData(CAudioParamData&&) = default;
     CAudioParamData& operator=(CAudioParamData&&) = default;
+    ~CAudioParamData() override = default;
 
     /// Takes an item under the next key and returns that key.
     std::int32_t add(std::unique_ptr<CAudioParamDataItem> item);

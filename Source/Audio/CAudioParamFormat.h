@@ -24,6 +24,18 @@ struct CAudioParamFormat {
     bool isSingleElement = false; ///< element 0 stands for all elements
 
     [[nodiscard]] bool hasItems() const { return type != EAudioParamType::number; }
+    /// Whether such a parameter can be: items have one component, numbers at least one.
+    [[nodiscard]] bool isValid() const
+    {
+        switch (type) {
+        case EAudioParamType::number:
+            return elementSize > 0 && elementSize <= kAudioParamMaxElementSize;
+        case EAudioParamType::text:
+        case EAudioParamType::raw:
+            return elementSize == 1;
+        }
+        return false;
+    }
     bool operator==(const CAudioParamFormat&) const = default;
 };
 

@@ -12,7 +12,6 @@
 namespace qrb {
 
 class CAudioParamConverter;
-class CObject;
 
 /// What a parameter knows about itself, also sent to editors. Made by a definition, which outlives all instances, and
 /// not changed afterwards. Thread: any, once made.
@@ -31,7 +30,7 @@ public:
     bool isStorable = false;   ///< preset content
     bool isPersistent = false; ///< belongs to the instance, not to a preset
     CString visualName;
-    CString fullName; ///< path of the definition
+    CString definitionPath; ///< such as "audio.modMain.gate-params.attack"
     CString registryPath;
     CArray<CComponent, 1> components;
     CArray<CString, 0> longStateNames;
@@ -48,8 +47,8 @@ public:
     [[nodiscard]] double finite(std::int32_t element, std::int32_t component, double value) const;
 
     CErrorPtr save(COutputStream& out) const;
-    /// Reads what save() wrote; converters are looked up in the tree of `root`. Stays as it was on failure.
-    CErrorPtr load(CInputStream& in, CObject& root);
+    /// Reads what save() wrote; converters are looked up in the shared tree. Stays as it was on failure.
+    CErrorPtr load(CInputStream& in);
 };
 
 } // namespace qrb

@@ -21,12 +21,6 @@ struct CAudioParamUpdate;
 /// The readers of values take no lock and allocate nothing; who may call them is told by the owner of the storage.
 class CAudioParamStorage : public CCheckedObject {
 public:
-    CAudioParamStorage() = default;
-    CAudioParamStorage(const CAudioParamStorage& other);
-    CAudioParamStorage& operator=(const CAudioParamStorage& other);
-    CAudioParamStorage(CAudioParamStorage&&) = default;
-    CAudioParamStorage& operator=(CAudioParamStorage&&) = default;
-
     /// Empties the storage and gives it a shape; it has no data until a default or a load.
     void setFormat(const CAudioParamFormat& format);
     [[nodiscard]] const CAudioParamFormat& format() const { return m_format; }
@@ -71,20 +65,22 @@ public:
     CErrorPtr load(CInputStream& in);
 
 private:
+    friend class CAudioParamUpdateRecord;
+
     using CCells = CArray<double, 2>;
 
     [[nodiscard]] std::size_t elementSize() const { return static_cast<std::size_t>(m_format.elementSize); }
-    [[nodiscard]] std::int32_t keyAt(std::int32_t group, std::int32_t element) const;
-    bool takeTemplate(const CAudioParamUpdate& update, CAudioParamUpdateRecord* owner);
+    [[nodiscard]] double keyAt(std::int32_t group, std::int32_t element) const;
+    bool applyWith(const CAudioParamUpdate& update, CAudioParamUpdateRecord* owner);
+    void takeTemplate(const CAudioParamUpdate& update, CAudioParamUpdateRecord* owner);
     void applyCells(const CAudioParamUpdate& update, CAudioParamUpdateRecord* owner);
     void makeGroup(std::size_t group, CAudioParamUpdateRecord* owner);
-    void makeRoom(CCells& cells, std::size_t count, CAudioParamUpdateRecord* owner);
-    void fillGap(CCells& cells, std::size_t elementCount, CAudioParamUpdateRecord* owner);
-    void dropItem(double key, CAudioParamUpdateRecord* owner);
+    static void makeRoom(CCells& cells, std::size_t count, CAudioParamUpdateRecord* owner);
+    void fillGap(CCells& cells, std::size_t cellCount);
+    void dropItems(std::span<const double> keys, CAudioParamUpdateRecord* owner);
     [[nodiscard]] double takeItem(double key, const CAudioParamUpdate& update, CAudioParamUpdateRecord* owner);
-    CErrorPtr saveGroup(COutputStream& out, std::int32_t group, std::int32_t& nextKey) const;
-
-    friend class CAudioParamUpdateRecord;
+    CErrorPtr saveItems(COutputStream& out, std::int32_t firstGroup, std::int32_t endGroup) const;
+    CErrorPtr loadGroup(CInputStream& in, CCells& cells, CAudioParamData& items);
 
     CAudioParamFormat m_format;
     CArray<CCells, 1> m_groups;
