@@ -15,12 +15,12 @@
 namespace qrb {
 
 class CAudioParamCollector;
-class CAudioParamUpdateQueue;
+class CAudioParamUpdateList;
 
 /// How a change goes to the audio side.
 struct CAudioParamRoute {
     /// Changes pile up here and are spliced into the queue in one step. Null: the collector's queue.
-    CAudioParamUpdateQueue* deferredList = nullptr;
+    CAudioParamUpdateList* deferredList = nullptr;
     /// Applies the change to what modules read at once. Thread: audio, or any while no audio runs.
     bool isImmediate = false;
 };
@@ -32,7 +32,6 @@ struct CAudioParamRoute {
 class CAudioParam : public CCheckedObject {
 public:
     CAudioParam(CAudioParamCollector& collector, const CString& path);
-    ~CAudioParam() override;
     CAudioParam(const CAudioParam&) = delete;
     CAudioParam& operator=(const CAudioParam&) = delete;
 
@@ -48,7 +47,7 @@ public:
 
     /// The one way in for changes. False if the record was dropped because it does not fit.
     bool update(const CAudioParamUpdate& record, const CAudioParamRoute& route = {});
-    bool update(const CAudioParamUpdate& record, CAudioParamGuard& guard, const CAudioParamRoute& route = {});
+    bool update(const CAudioParamUpdate& record, const CAudioParamGuard& guard, const CAudioParamRoute& route = {});
     /// Element 0 of group 0, which is all of a single-group, single-element number.
     bool setValue(double value, const void* source = nullptr, const CAudioParamRoute& route = {});
     /// All components of one element, number parameters only.
@@ -67,8 +66,8 @@ public:
     bool setRaw(std::int32_t group, std::int32_t element, std::span<const std::uint8_t> bytes,
                 const void* source = nullptr, const CAudioParamRoute& route = {});
 
-    /// Where a reset takes its values from.
-    enum class EResetFrom { samePlace, template_ };
+    /// Where a reset takes its values from: its own place, or the first group and the first element.
+    enum class EResetFrom { samePlace, firstElement };
     /// Returns to the reset values: all groups (group -1), a whole group (element -1) or one element.
     void resetValues(std::int32_t group, std::int32_t element, EResetFrom from = EResetFrom::samePlace,
                      const CAudioParamRoute& route = {});
@@ -109,26 +108,29 @@ public:
 private:
     friend class CAudioParamCollector;
 
-    struct CPrepared;
+    [[nodiscard]] const CString& fullName() const { return m_path; }
 
-    [[nodiscard]] CString fullName() const { return m_path; }
-    bool updateHeld(const CAudioParamUpdate& record, CAudioParamGuard& guard, const CAudioParamRoute& route);
-    bool updateWithGap(const CAudioParamUpdate& record, CAudioParamGuard& guard, const CAudioParamRoute& route);
-    void send(const CAudioParamUpdate& record, CAudioParamGuard& guard, const CAudioParamRoute& route);
-    void tell(const CAudioParamUpdate& record, CAudioParamGuard& guard);
-    void pushDefaults(const CAudioParamInfo& info, CAudioParamGuard& guard, const void* source,
-                      const CAudioParamRoute& route);
+    bool updateHeld(const CAudioParamUpdate& record, const CAudioParamGuard& guard, const CAudioParamRoute& route);
+    bool updateWithGap(const CAudioParamUpdate& record, const CAudioParamGuard& guard, const CAudioParamRoute& route);
+    bool updateFinite(const CAudioParamUpdate& record, const CAudioParamGuard& guard, const CAudioParamRoute& route);
+    void afterEdit(const CAudioParamUpdate& record, const CAudioParamGuard& guard, const CAudioParamRoute& route);
+    void send(const CAudioParamUpdate& record, const CAudioParamGuard& guard, const CAudioParamRoute& route);
     void prepareRoom(CAudioParamUpdateRecord& record, bool isDeferred);
-    void replaceGroup(std::int32_t group, const CAudioParamStorage& from, CAudioParamGuard& guard,
+    void tell(const CAudioParamUpdate& record, const CAudioParamGuard& guard);
+    [[nodiscard]] bool isBoundLike(const CAudioParamInfo& info) const;
+    bool setItem(EAudioParamType type, std::int32_t group, std::int32_t element, const CAudioParamData& data,
+                 std::int32_t key, const void* source, const CAudioParamRoute& route);
+    void replaceGroup(std::int32_t group, const CAudioParamStorage& from, std::int32_t fromGroup,
+                      const CAudioParamGuard& guard, const void* source, const CAudioParamRoute& route);
+    void resetElement(std::int32_t group, std::int32_t element, EResetFrom from, const CAudioParamGuard& guard,
                       const CAudioParamRoute& route);
-    void resetElement(std::int32_t group, std::int32_t element, EResetFrom from, CAudioParamGuard& guard,
-                      const CAudioParamRoute& route);
-    bool setItem(std::int32_t group, std::int32_t element, CAudioParamData& data, const void* source,
-                 const CAudioParamRoute& route);
-    void loadAll(CAudioParamStorage&& values, CAudioParamGuard& guard, const void* source,
-                 const CAudioParamRoute& route);
-    void loadPart(const CAudioParamStorage& values, const CLoadPlace& place, CAudioParamGuard& guard,
+    void copyElement(std::int32_t group, std::int32_t element, const CAudioParamStorage& from,
+                     std::span<const double> cells, bool isToEnd, const CAudioParamGuard& guard, const void* source,
+                     const CAudioParamRoute& route);
+    void loadPart(const CAudioParamStorage& values, const CLoadPlace& place, const CAudioParamGuard& guard,
                   const void* source, const CAudioParamRoute& route);
+    void growTemplate(const CAudioParamStorage& values, bool isToEnd, const CAudioParamGuard& guard, const void* source,
+                      const CAudioParamRoute& route);
     /// Applies a record to what modules read and tells the readers. Thread: audio, or any while no audio runs.
     void applyToAudio(CAudioParamUpdateRecord& record);
 
@@ -140,8 +142,10 @@ private:
     CAudioParamReader* m_readers = nullptr;
     CAudioParamStorage m_audio;
     CAudioParamQueueAnchor m_anchor;
-    /// Cells for which each group of the audio storage has room once the queue is applied. Guarded by the parameter lock.
-    CArray<std::size_t, 1> m_sentRoom;
+    /// For how many cells each group of the audio storage will have room, and for how many groups its table, once the
+    /// queue is applied. Guarded by the parameter lock.
+    CArray<std::size_t, 1> m_sentCells;
+    std::size_t m_sentGroups = 1;
 };
 
 } // namespace qrb

@@ -50,12 +50,12 @@ public:
         return static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&param));
     }
 
-    /// Mirrors a parameter in a block of application data. A link that exists already is kept. It starts at once on the
-    /// owner's thread if the parameter is bound, otherwise with a later runDeferred().
+    /// Mirrors a parameter in a block of application data. A link that exists already is kept. It starts at once if the
+    /// parameter is bound, otherwise with the runDeferred() after that. Thread: the owner's.
     void addSharedParam(const CString& path, CAppData& store, const CString& dataName);
 
     /// Splices a list of changes into the queue in one step, so that they reach the modules in one block. Thread: any.
-    void splice(CAudioParamUpdateQueue& list);
+    void splice(CAudioParamUpdateList& list);
     /// Takes the waiting changes over. Thread: audio, with the env's lock held, or any while no audio runs.
     void takeQueue();
     /// Applies what was taken to what modules read, and tells readers. Thread: audio, or any while no audio runs.
@@ -94,14 +94,15 @@ private:
     void announceDeferred();
 
     void queue(CAudioParamUpdateRecord* record);
+    [[nodiscard]] bool isWaiting(const CAudioParam& param);
     void deferChange(const CAudioParamDeferredCalls::CChange& change);
     void tellListeners(CAudioParam& param, const CAudioParamUpdate& record);
-    void runChanges(const CAudioParamDeferredCalls& calls);
-    void runSharedParams();
     void onBound();
+    void takeDeferred();
+    void runChanges();
+    void runCalls();
 
     CAudioEnv* m_env = nullptr;
-    std::uint64_t m_ownerThread;
 
     platform::CRecursiveLock m_mapLock{4000};
     CMap<CString, std::unique_ptr<CAudioParam>> m_params;
@@ -114,15 +115,17 @@ private:
     CAudioParamReaderPool m_readerPool;
     CAudioParamUpdatePool m_updatePool;
     CAudioParamUpdateQueue m_queue; ///< guarded by the env's lock
-    CAudioParamUpdateQueue m_taken; ///< audio thread only
+    CAudioParamUpdateList m_taken;  ///< audio thread only
 
     CAudioParamDeferredCalls m_deferred; ///< guarded by the parameter lock
     CAudioParamDeferredCalls m_running;  ///< owner's thread only
+    bool m_isRunning = false;            ///< owner's thread only
+    std::atomic<bool> m_isDeferredWaiting{false};
     std::atomic<bool> m_hasDeferred{false};
     std::function<void()> m_wakeHook;
 
-    platform::CRecursiveLock m_sharedLock{50};
-    CArray<std::unique_ptr<CSharedParam>> m_sharedParams;
+    CArray<std::unique_ptr<CSharedParam>> m_sharedParams; ///< owner's thread only
+    std::atomic<bool> m_hasSharedParams{false};
 };
 
 } // namespace qrb

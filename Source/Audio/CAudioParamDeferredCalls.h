@@ -17,7 +17,7 @@ class CAudioParamDeferredCalls : public CCheckedObject {
 public:
     /// A call that was asked for.
     struct CCall {
-        CAudioParamDeferredTarget* target;
+        CAudioParamDeferredTarget* target; ///< null once cancelled
         std::int32_t index;
         double value;
     };

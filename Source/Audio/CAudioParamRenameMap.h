@@ -22,8 +22,4 @@ private:
     CMap<CString, CString> m_map;
 };
 
-/// The absolute path of a parameter that a process names: "/" leads to the root, "^" up one level, other words down.
-/// Empty if the name climbs above the root.
-[[nodiscard]] CString resolveAudioParamPath(const CString& processPath, const CString& name);
-
 } // namespace qrb

@@ -173,8 +173,7 @@ void CAudioParamStorage::makeRoom(CCells& cells, std::size_t count, CAudioParamU
 void CAudioParamStorage::fillGap(CCells& cells, std::size_t cellCount)
 {
     while (cells.size() < cellCount) {
-        const std::span<const double> element =
-            defaultElement(static_cast<std::int32_t>(cells.size() / elementSize()));
+        const std::span<const double> element = defaultElement(static_cast<std::int32_t>(cells.size() / elementSize()));
         for (std::size_t component = 0; component < elementSize(); ++component) {
             const double cell = element.empty() ? 0.0 : element[component];
             cells.append(m_format.hasItems() ? double(m_data.addCopy(&m_data, audioParamKey(cell), m_format.type))

@@ -58,9 +58,10 @@ CErrorPtr CAudioParamStorage::load(CInputStream& in)
     QRB_TRY(in.readInt32(size));
     QRB_TRY(in.readInt32(type));
     if (size != m_format.elementSize || type != static_cast<std::int32_t>(m_format.type))
-        return QRB_ERROR("@qrbstr_CAudioParamStorage_load_Format Unsupported storage format (esize=%1, dtype=%2; should "
-                         "be: esize=%3, dtype=%4).",
-                         size, type, m_format.elementSize, static_cast<std::int32_t>(m_format.type));
+        return QRB_ERROR(
+            "@qrbstr_CAudioParamStorage_load_Format Unsupported storage format (esize=%1, dtype=%2; should "
+            "be: esize=%3, dtype=%4).",
+            size, type, m_format.elementSize, static_cast<std::int32_t>(m_format.type));
     QRB_TRY(in.readInt32(groups));
     if (groups < 0 || groups > kAudioParamMaxGroups)
         return QRB_ERROR("@qrbstr_CAudioParamStorage_load_Groups Invalid group count %1.", groups);

@@ -43,8 +43,9 @@ CErrorPtr CAudioParamUpdate::load(CInputStream& in, CAudioParamUpdateHolder& hol
     loaded.format.isSingleElement = singleElement != 0;
     loaded.values = &kAudioParamNoCell;
     if (!loaded.isValid())
-        return QRB_ERROR("@qrbstr_CAudioParamUpdate_load_Invalid Invalid parameter change (group %1, elements %2 + %3).",
-                         loaded.group, loaded.firstElement, loaded.elementCount);
+        return QRB_ERROR(
+            "@qrbstr_CAudioParamUpdate_load_Invalid Invalid parameter change (group %1, elements %2 + %3).",
+            loaded.group, loaded.firstElement, loaded.elementCount);
     QRB_TRY(readAudioParamCells(in, loaded.format.type, loaded.cellCount(), holder.values));
     if (loaded.format.hasItems())
         QRB_TRY(holder.data.load(in));

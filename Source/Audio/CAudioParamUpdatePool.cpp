@@ -51,8 +51,8 @@ void CAudioParamUpdatePool::giveFromAudio(CAudioParamUpdateRecord* record)
 {
     std::atomic<CAudioParamUpdateRecord*>& returned = record->isPlain() ? m_returnedPlain : m_returned;
     record->m_next = returned.load(std::memory_order_relaxed);
-    while (!returned.compare_exchange_weak(record->m_next, record, std::memory_order_release,
-                                           std::memory_order_relaxed)) {
+    while (
+        !returned.compare_exchange_weak(record->m_next, record, std::memory_order_release, std::memory_order_relaxed)) {
     }
 }
 

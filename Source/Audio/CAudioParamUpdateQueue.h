@@ -17,6 +17,12 @@ public:
 
     [[nodiscard]] std::size_t size() const { return m_list.size(); }
 
+    /// Whether a change of the parameter with that anchor waits.
+    [[nodiscard]] bool isWaiting(const CAudioParamQueueAnchor& anchor) const
+    {
+        return anchor.epoch == m_epoch && anchor.newest != nullptr;
+    }
+
     void append(CAudioParamUpdateRecord* record);
     /// Merges into a waiting record of the same parameter and group where that gives the same result, else appends.
     /// Returns the record if it is not needed any more.
