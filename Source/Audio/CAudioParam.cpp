@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/CAudioParam.h"
 
+#include "Audio/CAudioParamCells.h"
 #include "Audio/CAudioParamCollector.h"
 #include "Audio/CAudioParamUpdateHolder.h"
 

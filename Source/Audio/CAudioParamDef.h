@@ -20,8 +20,10 @@ private:
     void readFlags();
     CErrorPtr readConverters();
     CErrorPtr readBounds();
+    CErrorPtr readStateNames();
     CErrorPtr readDefaults();
-    CErrorPtr readDefaultElement(const CString& text, CArray<double, 4>& cells, CAudioParamData& items);
+    CErrorPtr readDefaultGroup(std::int32_t group, const CString& text);
+    CErrorPtr readDefaultElement(const CString& text, CArray<double, 8>& cells, CAudioParamData& items) const;
 
     CAudioParamInfo m_info;
 };

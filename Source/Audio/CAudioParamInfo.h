@@ -33,8 +33,8 @@ public:
     CString definitionPath; ///< such as "audio.modMain.gate-params.attack"
     CString registryPath;
     CArray<CComponent, 1> components;
-    CArray<CString, 0> longStateNames;
-    CArray<CString, 0> shortStateNames;
+    CArray<CString> longStateNames;
+    CArray<CString> shortStateNames;
     CAudioParamStorage defaults;
 
     /// Group 0's default numbers.

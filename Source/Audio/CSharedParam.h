@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Core/CAppDataListener.h"
+#include "Core/CArray.h"
 #include "Core/CString.h"
 #include "Core/CUpdateListener.h"
 
@@ -25,20 +26,22 @@ public:
     /// Does what was marked, and starts the link once the parameter is bound. Thread: the owner's.
     void run();
     /// The parameter changed. Thread: any.
-    void onUpdate(const CUpdateInfo* info) override;
+    void onUpdate(const CUpdateInfo& info) override;
 
 private:
     /// Hears of changes that other instances made.
     class CDataListener : public CAppDataListener<CSharedParam> {
     public:
         using CAppDataListener<CSharedParam>::CAppDataListener;
-        void onUpdate(const CUpdateInfo* info) override;
+        ~CDataListener() override;
+        void onUpdate(const CUpdateInfo& info) override;
     };
 
     void start();
     void load();
     void store();
-    [[nodiscard]] CString valueText() const;
+    [[nodiscard]] CByteArray rawValue() const;
+    [[nodiscard]] CString numberText() const;
 
     CAudioParam& m_param;
     CAppData& m_store;
