@@ -99,11 +99,11 @@ CErrorPtr CAudioWrapper::createNodes()
     QRB_TRY(m_root->findObjectChecked("shared::audio.modMain", definition));
     setup.definition = definition;
     setup.name = kMainNodeName;
-    QRB_TRY(instantiateProcess(setup, m_mainNode));
+    QRB_TRY(instantiateTopProcess(setup, m_mainNode));
     QRB_TRY(m_root->findObjectChecked("shared::audio.modOutput", definition));
     setup.definition = definition;
     setup.name = kOutputNodeName;
-    QRB_TRY(instantiateProcess(setup, m_lastNode));
+    QRB_TRY(instantiateTopProcess(setup, m_lastNode));
     m_outputNode = dynamic_cast<CModOutput*>(m_lastNode.get());
     if (m_outputNode == nullptr)
         return QRB_ERROR("@qrbstr_CAudioWrapper_init_InvalidOutProcessType Output process object "
