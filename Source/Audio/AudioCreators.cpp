@@ -7,6 +7,35 @@
 #include "Audio/CAudioParamDef.h"
 #include "Audio/CAudioParamRemapDef.h"
 #include "Audio/CAudioParamSharedStorage.h"
+#include "Audio/CAudioProcessBypassStateDef.h"
+#include "Audio/CAudioProcessDef.h"
+#include "Audio/CAudioProcessLinkDef.h"
+#include "Audio/Converters/CAudioParamConverterBW.h"
+#include "Audio/Converters/CAudioParamConverterEnum.h"
+#include "Audio/Converters/CAudioParamConverterFreq.h"
+#include "Audio/Converters/CAudioParamConverterGain.h"
+#include "Audio/Converters/CAudioParamConverterPercent.h"
+#include "Audio/Converters/CAudioParamConverterRatio.h"
+#include "Audio/Converters/CAudioParamConverterReal.h"
+#include "Audio/Converters/CAudioParamConverterText.h"
+#include "Audio/Converters/CAudioParamConverterTime.h"
+#include "Audio/Processes/CModAbs.h"
+#include "Audio/Processes/CModBypass.h"
+#include "Audio/Processes/CModDelay.h"
+#include "Audio/Processes/CModDenormNoise.h"
+#include "Audio/Processes/CModGain.h"
+#include "Audio/Processes/CModLatencyUniformer.h"
+#include "Audio/Processes/CModLeveler.h"
+#include "Audio/Processes/CModMSCoder.h"
+#include "Audio/Processes/CModMix.h"
+#include "Audio/Processes/CModMult.h"
+#include "Audio/Processes/CModMute.h"
+#include "Audio/Processes/CModNode.h"
+#include "Audio/Processes/CModOutput.h"
+#include "Audio/Processes/CModRMS.h"
+#include "Audio/Processes/CModRouter.h"
+#include "Audio/Processes/CModSidechain.h"
+#include "Audio/Processes/CModSidechainMute.h"
 
 namespace qrb {
 
@@ -14,11 +43,40 @@ std::span<const CCreatorRow> audioCreators()
 {
     static constexpr CCreatorRow kRows[] = {
         creatorRow<CAudioEnv>("audio:audio-env"),
+        creatorRow<CAudioParamConverterBW>("audio:cvt-bw"),
+        creatorRow<CAudioParamConverterEnum>("audio:cvt-enum"),
+        creatorRow<CAudioParamConverterFreq>("audio:cvt-freq"),
+        creatorRow<CAudioParamConverterGain>("audio:cvt-gain"),
+        creatorRow<CAudioParamConverterPercent>("audio:cvt-percent"),
+        creatorRow<CAudioParamConverterRatio>("audio:cvt-ratio"),
+        creatorRow<CAudioParamConverterReal>("audio:cvt-real"),
+        creatorRow<CAudioParamConverterText>("audio:cvt-text"),
+        creatorRow<CAudioParamConverterTime>("audio:cvt-time"),
+        creatorRow<CModAbsDef>("audio:modAbs"),
+        creatorRow<CModBypassDef>("audio:modBypass"),
+        creatorRow<CModDelayDef>("audio:modDelay"),
+        creatorRow<CModDenormNoiseDef>("audio:modDenormNoise"),
+        creatorRow<CModGainDef>("audio:modGain"),
+        creatorRow<CModLatencyUniformerDef>("audio:modLatencyUniformer"),
+        creatorRow<CModLevelerDef>("audio:modLeveler"),
+        creatorRow<CModMSCoderDef>("audio:modMSCoder"),
+        creatorRow<CModMixDef>("audio:modMix"),
+        creatorRow<CModMultDef>("audio:modMult"),
+        creatorRow<CModMuteDef>("audio:modMute"),
+        creatorRow<CModNodeDef>("audio:modNode"),
+        creatorRow<CModOutputDef>("audio:modOutput"),
+        creatorRow<CModRMSDef>("audio:modRMS"),
+        creatorRow<CModRouterDef>("audio:modRouter"),
+        creatorRow<CModSidechainDef>("audio:modSidechain"),
+        creatorRow<CModSidechainMuteDef>("audio:modSidechainMute"),
         creatorRow<CAudioParamDef>("audio:param"),
         creatorRow<CAudioParamAllocDef>("audio:param-alloc"),
         creatorRow<CAudioParamCollector>("audio:param-collector"),
         creatorRow<CAudioParamRemapDef>("audio:param-remap"),
         creatorRow<CAudioParamSharedStorage>("audio:param-shared-storage"),
+        creatorRow<CAudioProcessBypassStateDef>("audio:process-bypass-state"),
+        creatorRow<CAudioProcessDef>("audio:process-def"),
+        creatorRow<CAudioProcessLinkDef>("audio:process-link"),
     };
     return kRows;
 }
