@@ -10,7 +10,8 @@ void CStdEventBridge::declare(CObjectClassInfo& info)
 
 CErrorPtr CStdEventBridge::handlePostedEvent(const CEventArgs& args)
 {
-    CObject* const listener = findObject(args.getString("listener"));
+    const CString name = args.getString("listener");
+    CObject* const listener = name.empty() ? &root() : findObject(name); // a root has no name
     if (listener == nullptr || listener->objectId() != args.getInt("listener-id", -1))
         return {};
     return listener->runEvent(args.getString("listener-proc"), args);

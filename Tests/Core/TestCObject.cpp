@@ -131,7 +131,8 @@ TEST(CObject, MissingAndWrongObjectsAreNamed)
     EXPECT_EQ(first(a.findObjectChecked("a", step)), "Incompatible type of object 'a' ('a')");
     EXPECT_EQ(first(a.findObjectByAttr("to", step)),
               "Name attribute 'to' refers to a non-existent object 'a.nobody' ('a')");
-    EXPECT_EQ(first(a.findObjectByAttr("ok", step)), "Name attribute 'ok' refers to object 'a' ('a') of incompatible type.");
+    EXPECT_EQ(first(a.findObjectByAttr("ok", step)),
+              "Name attribute 'ok' refers to object 'a' ('a') of incompatible type.");
     EXPECT_EQ(first(a.findObjectByAttr("empty", step)), "Object name attribute 'empty' cannot be empty.");
     CObject* object = nullptr;
     EXPECT_FALSE(a.findObjectByAttr("ok", object));
@@ -225,7 +226,8 @@ TEST(CObject, NestingAndNamesAreBounded)
     }
     EXPECT_EQ(depth, CObject::kMaxDepth + 1);
     CObject* child = nullptr;
-    EXPECT_TRUE(module.loadRoot().createChild(child, "core:object", CString(std::string(5000, 'n')), EFromTemplate::no));
+    EXPECT_TRUE(
+        module.loadRoot().createChild(child, "core:object", CString(std::string(5000, 'n')), EFromTemplate::no));
 }
 
 TEST(CModule, EntriesAreCountedAndBeginAnew)
