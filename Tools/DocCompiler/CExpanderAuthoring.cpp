@@ -114,7 +114,6 @@ void CExpander::defineFragment(pugi::xml_node element, const Context& context)
 {
     const SourcePlace place = context.file->place(element);
     // Defaults are resolved at each use, where they may refer to the arguments in front of them.
-    const Variables none;
     Fragment fragment{context.file, element, {}};
     std::string name;
     std::size_t index = 0;
