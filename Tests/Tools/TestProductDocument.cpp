@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The product's document against itself: names in it that lead nowhere make no error at run time, only silence.
+#include "Audio/AudioCreators.h"
 #include "Core/CApplication.h"
 #include "Core/CModule.h"
 #include "Core/CObject.h"
@@ -13,6 +14,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <typeinfo>
 
 namespace {
 
@@ -39,6 +41,7 @@ protected:
     void SetUp() override
     {
         qrb::CModuleConfig config;
+        config.creators.append(qrb::audioCreators());
         config.resources.append(qrb::productResources());
         config.sharedDocument = "SharedData.xml";
         const qrb::CErrorPtr error = qrb::CModule::enter(config);
@@ -104,6 +107,18 @@ private:
         }
     }
 };
+
+TEST_F(ProductDocument, everyTagHasItsClass)
+{
+    int objects = 0;
+    visit(*m_shared, [&](const CObject& object) {
+        ++objects;
+        const std::string tag = object.tag().toUtf8();
+        const bool isPlain = tag.find(':') == std::string::npos || tag == "core:object";
+        EXPECT_TRUE(isPlain || typeid(object) != typeid(CObject)) << tag << " " << object.fullName().toUtf8();
+    });
+    EXPECT_GT(objects, 60);
+}
 
 TEST_F(ProductDocument, everyParameterThatANodeOrStateReadsIsDeclared)
 {
