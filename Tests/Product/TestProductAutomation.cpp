@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Tests/Product/CProductRig.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <numbers>
+
+namespace {
+
+constexpr std::size_t kFrames = 8000;
+constexpr double kFadeSeconds = 0.015;   // what the product's nodes declare
+constexpr std::size_t kFadeFrames = 662; // of 44100 Hz
+
+/// Raised cosine from 0 to 1 in kFadeFrames samples.
+double faded(std::size_t frame)
+{
+    return 0.5 - 0.5 * std::cos(std::numbers::pi * static_cast<double>(frame) / static_cast<double>(kFadeFrames));
+}
+
+/// No step of a raised cosine between two levels is larger than this.
+double steepest(double from, double to)
+{
+    return std::abs(to - from) * 0.5 * std::numbers::pi / static_cast<double>(kFadeFrames) + 1e-10;
+}
+
+TEST(TestProductAutomation, AGainChangesAtItsSampleAlongTheDeclaredCrossfade)
+{
+    static_assert(kFadeFrames == static_cast<std::size_t>(kFadeSeconds * 44100.0 + 0.5));
+    const std::uint64_t frame = 3001;
+    CChannels whole;
+    for (const std::size_t blockSize : {512u, 17u, 4096u}) {
+        CProductRig rig({});
+        rig.at(frame, "modThumpcraft.outgain=-6");
+        const CChannels out = rig.run(makeOnes(2, kFrames), blockSize);
+        const double low = std::pow(10.0, -6.0 / 20.0);
+        const std::size_t start = frame + static_cast<std::size_t>(rig.latency());
+        for (std::size_t i = static_cast<std::size_t>(rig.latency()); i < kFrames; ++i) {
+            const double share = i < start ? 0.0 : i >= start + kFadeFrames ? 1.0 : faded(i - start);
+            ASSERT_NEAR(out[0][i], 1.0 + share * (low - 1.0), 1e-9) << "frame " << i;
+        }
+        if (whole.empty())
+            whole = out;
+        EXPECT_EQ(out, whole) << "blocks of " << blockSize;
+    }
+}
+
+TEST(TestProductAutomation, BypassInMidSignalFadesToTheUntouchedInput)
+{
+    const std::uint64_t frame = 2500;
+    CProductRig rig({});
+    rig.set("modThumpcraft.outgain=-12").at(frame, "bypass-enable=On");
+    const CChannels out = rig.run(makeOnes(2, kFrames), 512);
+    const std::size_t latency = static_cast<std::size_t>(rig.latency());
+    const double low = std::pow(10.0, -12.0 / 20.0);
+    EXPECT_NEAR(out[0][frame + latency - 1], low, 1e-10);
+    EXPECT_NEAR(out[0].back(), 1.0, 1e-12);
+    const std::vector<double> behindStart(out[0].begin() + static_cast<std::ptrdiff_t>(latency), out[0].end());
+    EXPECT_LE(largestStep(behindStart), steepest(low, 1.0));
+}
+
+TEST(TestProductAutomation, GroupSoloInMidSignalDoesNotClick)
+{
+    CProductRig rig({44100.0, 4, 4, 0});
+    for (int channel = 2; channel < 4; ++channel) {
+        const std::string place = ":0:" + std::to_string(channel) + "=" + std::to_string(channel + 1);
+        rig.set("io-params.in-routing" + place).set("io-params.out-routing" + place);
+    }
+    rig.at(3000, "io-params.channel-group-solo:1=On").at(5000, "io-params.channel-group-solo:1=Off");
+    const CChannels out = rig.run(makeOnes(4, kFrames), 512);
+    const std::size_t latency = static_cast<std::size_t>(rig.latency());
+    EXPECT_LE(std::abs(out[0][4900 + latency]), 1e-10);
+    EXPECT_NEAR(out[0].back(), 1.0, 1e-10);
+    for (std::size_t channel = 0; channel < 4; ++channel) {
+        const std::vector<double> heard(out[channel].begin() + static_cast<std::ptrdiff_t>(latency),
+                                        out[channel].end());
+        EXPECT_LE(largestStep(heard), steepest(0.0, 1.0)) << "channel " << channel;
+    }
+}
+
+TEST(TestProductAutomation, TwoEventsAtOneSampleLeaveTheLaterValue)
+{
+    CProductRig rig({});
+    rig.at(1000, "modThumpcraft.outgain=6").at(1000, "modThumpcraft.outgain=-6");
+    const CChannels out = rig.run(makeOnes(2, kFrames), 512);
+    EXPECT_NEAR(out[0].back(), std::pow(10.0, -6.0 / 20.0), 1e-10);
+}
+
+} // namespace
