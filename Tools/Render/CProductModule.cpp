@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Tools/Render/CProductModule.h"
+
+#include "Audio/AudioCreators.h"
+#include "Core/CModule.h"
+
+#include <productResources.h>
+
+namespace render {
+
+CProductModule::CProductModule(std::string& error)
+{
+    qrb::CModuleConfig config;
+    config.creators.append(qrb::audioCreators());
+    config.resources.append(qrb::productResources());
+    config.sharedDocument = "SharedData.xml";
+    if (qrb::CErrorPtr failed = qrb::CModule::enter(config)) {
+        error = "the product's definitions do not load: " + failed->line(0).toUtf8();
+        return;
+    }
+    m_isEntered = true;
+}
+
+CProductModule::~CProductModule()
+{
+    if (m_isEntered)
+        qrb::CModule::leave();
+}
+
+} // namespace render
