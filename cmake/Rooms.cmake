@@ -6,8 +6,8 @@ target_compile_options(thumpcraft_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wdouble-promotion -Wnon-virtual-dtor -Werror
     -march=x86-64-v2 -mcx16          # the baseline; wider kernels are chosen at start-up
     -ffp-contract=off                # the last digit must not depend on the compiler's mood
-    -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/Source/=
-    -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=)
+    -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=
+    -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/Source/=) # the last that fits counts
 target_include_directories(thumpcraft_flags INTERFACE ${CMAKE_SOURCE_DIR}/Source)
 if(THUMPCRAFT_SANITIZE)
     target_compile_options(thumpcraft_flags INTERFACE -fsanitize=${THUMPCRAFT_SANITIZE} -fno-omit-frame-pointer
