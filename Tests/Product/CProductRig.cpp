@@ -49,7 +49,7 @@ CProductRig::CProductRig(const CShape& shape) : m_module(m_error), m_shape(shape
     EXPECT_TRUE(m_module.isEntered()) << m_error;
     m_instance = std::make_unique<render::CRenderInstance>();
     const qrb::CErrorPtr failed = m_instance->init();
-    EXPECT_FALSE(failed) << failed.text().toUtf8();
+    EXPECT_FALSE(failed) << (failed ? failed->text().toUtf8() : std::string());
     m_instance->setSampleRate(shape.sampleRate);
 }
 
