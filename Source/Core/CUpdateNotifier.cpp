@@ -34,7 +34,9 @@ std::uint64_t CUpdateNotifier::getUpdateKey(const CUpdateKeyArg& arg)
 
 void CUpdateNotifier::notify(const CUpdateInfo* info)
 {
-    m_listeners->notify(info != nullptr ? *info : CUpdateInfo{});
+    // Handed on as it is, not copied: a notifier's own kind of info tells more.
+    const CUpdateInfo nothing;
+    m_listeners->notify(info != nullptr ? *info : nothing);
 }
 
 } // namespace qrb
