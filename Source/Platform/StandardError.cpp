@@ -13,7 +13,8 @@ void writeStandardError(std::string_view text) noexcept
 {
     while (!text.empty()) {
         pollfd target = {STDERR_FILENO, POLLOUT, 0};
-        if (poll(&target, 1, 0) <= 0 || (target.revents & POLLOUT) == 0) {
+        // A pipe whose reader has gone is ready as well, and writing to it would end the host by a signal.
+        if (poll(&target, 1, 0) <= 0 || target.revents != POLLOUT) {
             return;
         }
         // A pipe that is ready takes this much at once.

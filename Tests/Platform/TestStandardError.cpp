@@ -31,5 +31,18 @@ TEST(StandardError, ReaderThatNeverReadsBlocksNobody)
     EXPECT_EQ(got, text.substr(0, got.size()));
 }
 
+TEST(StandardError, ReaderThatHasGoneHarmsNobody)
+{
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    close(ends[0]);
+    const int saved = dup(STDERR_FILENO);
+    dup2(ends[1], STDERR_FILENO);
+    close(ends[1]);
+    writeStandardError("dropped"); // a signal would end the test program
+    dup2(saved, STDERR_FILENO);
+    close(saved);
+}
+
 } // namespace
 } // namespace qrb::platform
