@@ -2,6 +2,7 @@
 #include "Core/CLog.h"
 
 #include "Core/CNumberPattern.h"
+#include "Core/CPathText.h"
 #include "Platform/CRecursiveLock.h"
 
 #include <atomic>
@@ -72,7 +73,7 @@ struct CLog::CState : public CCheckedObject {
 
     void writeToFile(const CString& line)
     {
-        std::FILE* file = std::fopen(fileName.toUtf8().c_str(), isBegun ? "ab" : "wb");
+        std::FILE* file = std::fopen(pathToBytes(fileName).c_str(), isBegun ? "abe" : "wbe");
         if (file == nullptr) {
             return; // a log that cannot be written must not stop anything
         }

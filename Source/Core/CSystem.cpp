@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Core/CSystem.h"
 
+#include "Core/CPathText.h"
 #include "Platform/Files.h"
 #include "Platform/Folders.h"
 
@@ -8,7 +9,7 @@ namespace qrb {
 
 bool CSystem::fileExists(const CString& path)
 {
-    return platform::fileExists(path.toUtf8());
+    return platform::fileExists(pathToBytes(path));
 }
 
 bool CSystem::wildcardMatch(const CString& text, const CString& pattern) noexcept
@@ -41,7 +42,7 @@ bool CSystem::wildcardMatch(const CString& text, const CString& pattern) noexcep
 
 CString CSystem::getModuleFolder()
 {
-    return CString::fromUtf8(platform::CSystemFolders().modulePath());
+    return pathFromBytes(platform::CSystemFolders().modulePath());
 }
 
 } // namespace qrb

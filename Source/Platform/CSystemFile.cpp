@@ -23,7 +23,7 @@ int openFlags(EFileMode mode)
     case EFileMode::rewrite:
         return O_WRONLY | O_CREAT | O_TRUNC;
     case EFileMode::append:
-        return O_WRONLY | O_CREAT | O_APPEND;
+        return O_WRONLY | O_CREAT; // not O_APPEND, under which a position that was set counts for nothing
     case EFileMode::update:
         break;
     }
@@ -69,6 +69,12 @@ int CSystemFile::open(const std::string& path, EFileMode mode)
             close();
             return error;
         }
+        static_cast<void>(::posix_fadvise(descriptor, 0, 0, POSIX_FADV_SEQUENTIAL));
+    }
+    if (mode == EFileMode::append && ::lseek(descriptor, 0, SEEK_END) < 0 && errno != ESPIPE) {
+        const int error = errno;
+        close();
+        return error;
     }
     return 0;
 }

@@ -3,6 +3,7 @@
 #include "Core/CFileWriter.h"
 #include "Core/CPathText.h"
 #include "Core/CResourceReader.h"
+#include "Core/CSystem.h"
 #include "Core/CTextTable.h"
 
 #include <filesystem>
@@ -46,6 +47,17 @@ TEST_F(FileStreams, WritersTruncateOrAppend)
     writeFile("f\xFF", "three");
     writeFile("f\xFF", "+", true);
     EXPECT_EQ(readFile("f\xFF"), "three+");
+
+    CFileWriter writer;
+    ASSERT_FALSE(writer.open(path("f\xFF"), true));
+    std::uint64_t position = 0;
+    ASSERT_FALSE(writer.getPosition(position));
+    EXPECT_EQ(position, 6u);
+    ASSERT_FALSE(writer.setPosition(1));
+    ASSERT_FALSE(writer.write("H", 1));
+    ASSERT_FALSE(writer.close());
+    EXPECT_EQ(readFile("f\xFF"), "tHree+");
+    EXPECT_TRUE(CSystem::fileExists(path("f\xFF")));
 }
 
 TEST_F(FileStreams, ReadersMoveAndTellTheEnd)
