@@ -2,6 +2,7 @@
 #include "Core/CModule.h"
 
 #include "Core/CApplication.h"
+#include "Core/CPathText.h"
 #include "Core/CProcessState.h"
 #include "Core/CQrbMemAllocator.h"
 #include "Platform/Folders.h"
@@ -15,7 +16,6 @@ namespace {
 
 constinit std::mutex g_lock;
 unsigned g_entries = 0;
-bool g_givesPoolsBack = false;
 CProcessState* g_ownState = nullptr; // owned; no static object, whose destructor would run at a time not ours
 
 void destroyState()
@@ -38,12 +38,13 @@ CErrorPtr CModule::enter(const CModuleConfig& config)
     g_ownState->log->setSink(config.logSink);
     if (config.folders != nullptr)
         g_ownState->folders = config.folders;
-    g_ownState->moduleFolder = CString::fromUtf8(g_ownState->folders->modulePath()) + "/";
+    g_ownState->moduleFolder = pathFromBytes(g_ownState->folders->modulePath());
+    if (!g_ownState->moduleFolder.empty() && !g_ownState->moduleFolder.endsWith("/"))
+        g_ownState->moduleFolder += "/";
     if (CErrorPtr error = CApplication::init(config)) {
         destroyState();
         return std::move(error).traced(__FILE__, __LINE__, {});
     }
-    g_givesPoolsBack = config.givesPoolsBack;
     g_entries = 1;
     return {};
 }
@@ -54,8 +55,8 @@ void CModule::leave()
     if (g_entries == 0 || --g_entries > 0)
         return;
     destroyState();
-    if (g_givesPoolsBack)
-        CQrbMemAllocator::destroyAll();
+    // Pools of a size of which something still lives, such as a text of the caller, stay as they are.
+    static_cast<void>(CQrbMemAllocator::destroyAll());
 }
 
 } // namespace qrb

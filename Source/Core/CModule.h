@@ -25,9 +25,6 @@ struct CModuleConfig {
     CString sharedDocument;                ///< document of the shared tree; empty for an empty tree
     platform::IFolders* folders = nullptr; ///< stands for the system's folders if set; stays with the caller
     CLog::FSink logSink;                   ///< gets the lines of the log from the first one on
-    /// Whether the last exit gives the allocator's pools back to the system. Only for a module none of whose objects,
-    /// not even a text, outlives it.
-    bool givesPoolsBack = false;
 };
 
 /// Life of the module in a process that may load it several times: entries are counted, the first makes all
@@ -36,7 +33,8 @@ class CModule {
 public:
     /// Only the first entry looks at the configuration. An entry that fails counts for nothing.
     [[nodiscard]] static CErrorPtr enter(const CModuleConfig& config);
-    /// Every tree but the shared one has been released before the last exit.
+    /// Every tree but the shared one has been released before the last exit, which gives the allocator's memory back:
+    /// no other thread may be inside the library then.
     static void leave();
 };
 

@@ -36,7 +36,7 @@ public:
     std::unique_ptr<CLog> log;
     std::unique_ptr<platform::IFolders> ownFolders;
     platform::IFolders* folders = nullptr; ///< the system's, or those handed in at module entry
-    CString moduleFolder;                  ///< with "/" at its end
+    CString moduleFolder;                  ///< with "/" at its end; empty if unknown
     double clockBase = 0.0;                ///< clockSeconds() at module entry
     std::atomic<std::uint32_t> denormSeed{1};
     std::unique_ptr<CNotifyServerRegistry> notifyServers;

@@ -232,6 +232,9 @@ TEST(CObject, NestingAndNamesAreBounded)
 
 TEST(CModule, EntriesAreCountedAndBeginAnew)
 {
+    // Whatever other tests of this program still hold.
+    const std::size_t heldBefore = CQrbMemAllocator::destroyAll();
+    const std::size_t chunksBefore = CQrbMemAllocator::chunkCount();
     for (int round = 0; round < 2; ++round) {
         CModuleConfig config;
         ASSERT_FALSE(CModule::enter(config));
@@ -241,6 +244,8 @@ TEST(CModule, EntriesAreCountedAndBeginAnew)
         EXPECT_EQ(errorText(CApplication::initSharedObject("")).substr(0, 30), "Shared object already exists.\n");
         CModule::leave();
         EXPECT_EQ(processStateOrNull(), nullptr);
+        EXPECT_EQ(CQrbMemAllocator::chunkCount(), chunksBefore);
+        EXPECT_EQ(CQrbMemAllocator::destroyAll(), heldBefore);
     }
 }
 
