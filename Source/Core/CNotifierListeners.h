@@ -16,11 +16,13 @@ class CUpdateNotifier;
 /// first: a dying notifier only marks it dead, and never visits listeners that may be gone. Thread: any.
 class CNotifierListeners {
 public:
-    explicit CNotifierListeners(CUpdateNotifier& notifier) : m_notifier(&notifier) {}
+    CNotifierListeners(CUpdateNotifier& notifier, std::uint64_t serial) : m_serial(serial), m_notifier(&notifier) {}
 
     CNotifierListeners(const CNotifierListeners&) = delete;
     CNotifierListeners& operator=(const CNotifierListeners&) = delete;
 
+    /// Number of the notifier, see CNotifierRef.
+    [[nodiscard]] std::uint64_t serial() const { return m_serial; }
     /// Files a listener under the key that the notifier makes of `arg`; false if the notifier is dead.
     [[nodiscard]] bool add(CUpdateListener& listener, const CUpdateKeyArg& arg, std::uint64_t& key);
     /// After this no notification reaches the listener; waits for one that is under way on another thread.
@@ -32,6 +34,7 @@ public:
     [[nodiscard]] bool isAlive();
 
 private:
+    const std::uint64_t m_serial;
     platform::CRecursiveLock m_lock{50};
     CUpdateNotifier* m_notifier; ///< null when dead
     CMap<std::uint64_t, CSet<CUpdateListener*>> m_listeners;

@@ -2,8 +2,7 @@
 #include "Core/CNotifierTable.h"
 
 #include "Core/CNotifierListeners.h"
-
-#include <cstdint>
+#include "Core/CNotifierRef.h"
 
 namespace qrb {
 
@@ -29,12 +28,13 @@ void CNotifierTable::remove(const CUpdateNotifier* notifier)
     place.notifiers.erase(notifier);
 }
 
-std::shared_ptr<CNotifierListeners> CNotifierTable::find(const CUpdateNotifier* notifier)
+std::shared_ptr<CNotifierListeners> CNotifierTable::find(const CNotifierRef& ref)
 {
-    CBucket& place = bucket(notifier);
+    CBucket& place = bucket(ref.notifier);
     const CScopedLock guard(place.lock);
-    const auto found = place.notifiers.find(notifier);
-    return found != place.notifiers.end() ? found->second : nullptr;
+    const auto found = place.notifiers.find(ref.notifier);
+    const bool isThere = found != place.notifiers.end() && found->second->serial() == ref.serial;
+    return isThere ? found->second : nullptr;
 }
 
 } // namespace qrb

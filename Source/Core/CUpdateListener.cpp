@@ -2,8 +2,10 @@
 #include "Core/CUpdateListener.h"
 
 #include "Core/CNotifierListeners.h"
+#include "Core/CNotifierRef.h"
 #include "Core/CNotifierTable.h"
 #include "Core/CProcessState.h"
+#include "Core/CUpdateNotifier.h"
 
 namespace qrb {
 
@@ -16,12 +18,22 @@ CUpdateListener::~CUpdateListener()
 
 void CUpdateListener::attach(CUpdateNotifier* notifier, const CUpdateKeyArg& arg)
 {
+    attach(notifier != nullptr ? notifier->ref() : CNotifierRef{}, arg);
+}
+
+void CUpdateListener::detach()
+{
+    attach(CNotifierRef{});
+}
+
+void CUpdateListener::attach(const CNotifierRef& notifier, const CUpdateKeyArg& arg)
+{
     const CScopedLock guard(m_lock);
     if (m_notifier != nullptr)
         m_notifier->remove(*this, m_key);
     m_notifier = nullptr;
     m_key = 0;
-    if (notifier == nullptr)
+    if (notifier.serial == 0)
         return;
     const std::shared_ptr<CNotifierListeners> found = processState().notifiers->find(notifier);
     if (found != nullptr && found->add(*this, arg, m_key))

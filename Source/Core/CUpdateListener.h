@@ -12,6 +12,7 @@ namespace qrb {
 
 class CNotifierListeners;
 class CUpdateNotifier;
+struct CNotifierRef;
 
 /// Hears of changes of one notifier. A class that overrides onUpdate calls detach() first in its destructor: once that
 /// is back no call is under way on any thread, so none can meet a half destroyed object. Thread: any.
@@ -22,10 +23,11 @@ public:
     CUpdateListener& operator=(const CUpdateListener&) = delete;
     ~CUpdateListener() override;
 
-    /// Leaves the present notifier and joins another; null only leaves. A notifier that is gone, or goes meanwhile,
-    /// leaves the listener unattached: the pointer is not read through before it is known to be alive.
+    /// Leaves the present notifier and joins another, which lives; null only leaves.
     void attach(CUpdateNotifier* notifier, const CUpdateKeyArg& arg = {});
-    void detach() { attach(nullptr); }
+    /// The same for a notifier that may be gone, or go meanwhile; the listener then stays unattached.
+    void attach(const CNotifierRef& notifier, const CUpdateKeyArg& arg = {});
+    void detach();
     /// Whether a living notifier is attached.
     [[nodiscard]] bool isAttached();
     /// What this listener is filed under; 0 when unattached.

@@ -9,7 +9,8 @@
 namespace qrb {
 
 CUpdateNotifier::CUpdateNotifier()
-    : m_listeners(std::allocate_shared<CNotifierListeners>(CQrbStdAllocator<CNotifierListeners>(), *this))
+    : m_listeners(std::allocate_shared<CNotifierListeners>(CQrbStdAllocator<CNotifierListeners>(), *this,
+                                                           processState().notifiers->takeSerial()))
 {
     processState().notifiers->add(this, m_listeners);
 }
@@ -25,6 +26,11 @@ void CUpdateNotifier::retire()
     if (CProcessState* const state = processStateOrNull())
         state->notifiers->remove(this);
     m_listeners->markDead();
+}
+
+CNotifierRef CUpdateNotifier::ref() const
+{
+    return {this, m_listeners->serial()};
 }
 
 std::uint64_t CUpdateNotifier::getUpdateKey(const CUpdateKeyArg& arg)

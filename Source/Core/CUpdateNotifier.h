@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Core/CCheckedObject.h"
+#include "Core/CNotifierRef.h"
 #include "Core/CUpdateInfo.h"
 
 #include <cstdint>
@@ -19,6 +20,9 @@ public:
     CUpdateNotifier(const CUpdateNotifier&) = delete;
     CUpdateNotifier& operator=(const CUpdateNotifier&) = delete;
     ~CUpdateNotifier() override;
+
+    /// What others keep to attach to this notifier when it may be gone by then.
+    [[nodiscard]] CNotifierRef ref() const;
 
     /// The key that listeners with this argument are filed under; its number, by default. Called under the lock of
     /// the listeners.

@@ -8,6 +8,7 @@
 #include <dlfcn.h>
 #include <link.h>
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -44,12 +45,12 @@ std::string homeFolder()
     return absolutePath(found->pw_dir);
 }
 
-/// Creates what is missing of a path; true when the folder is there.
+/// Creates what is missing of a path, for the user's eyes alone; true when the folder is there.
 bool makeFolders(const std::string& path)
 {
     for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
         const std::string prefix = path.substr(0, end);
-        if (!directoryExists(prefix) && createDirectory(prefix) != 0 && !directoryExists(prefix))
+        if (!directoryExists(prefix) && ::mkdir(prefix.c_str(), 0700) != 0 && !directoryExists(prefix))
             return false;
         if (end == std::string::npos)
             return true;
