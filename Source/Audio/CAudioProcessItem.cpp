@@ -31,6 +31,15 @@ void CAudioProcessLinkList::clearNewCounts()
     }
 }
 
+void CAudioProcessLinkList::clearUnreached()
+{
+    for (CAudioProcessLink& link : m_links) {
+        if (link.source != nullptr && !link.source->isReached) {
+            link.newCount = 0;
+        }
+    }
+}
+
 void CAudioProcessLinkList::dropUnused()
 {
     for (std::size_t i = m_links.size(); i > 0; --i) {

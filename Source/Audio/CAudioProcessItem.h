@@ -29,6 +29,8 @@ public:
     /// Makes the new counts the old ones.
     void beginRebuild();
     void clearNewCounts();
+    /// The same for links from items that the input does not reach.
+    void clearUnreached();
     /// Drops links that do not count, once what they stood for is disconnected.
     void dropUnused();
     [[nodiscard]] bool hasNewLinks() const;

@@ -164,11 +164,15 @@ void CAudioProcessWiring::prune()
             hasProgress = hasProgress || item->isReached;
         }
     }
+    // What is fed by nothing has nothing to say either, so nobody keeps it alive to listen to it.
     for (const auto& item : m_graph.items) {
-        if (item->isEnabled && !item->isReached) {
+        if (item->isReached) {
+            item->links.clearUnreached();
+        } else {
             item->links.clearNewCounts();
         }
     }
+    m_graph.outputLinks.clearUnreached();
 }
 
 } // namespace qrb
