@@ -5,6 +5,7 @@
 #include "Audio/CAudioEnv.h"
 #include "Audio/CAudioParamCollector.h"
 #include "Core/CObject.h"
+#include "Core/CQrbMemAllocator.h"
 
 #include <gtest/gtest.h>
 #include <limits>
@@ -115,27 +116,40 @@ void CGraphRig::set(const std::string& path, double value, int group, int elemen
     EXPECT_TRUE(m_collector->getParam(CString(("plugin.modMain." + path).c_str())).setElement(group, element, value));
 }
 
+void CGraphRig::feed(int count)
+{
+    m_collector->flushQueue();
+    for (std::size_t i = 0; i < m_source.lines().size(); ++i) {
+        CSampleBuffer buffer = m_pool.get(count);
+        for (int n = 0; n < count; ++n)
+            buffer.data()[n] = input(static_cast<int>(i), m_time + n);
+        m_source.send(static_cast<int>(i), buffer, count);
+    }
+    m_main->process();
+    m_output->runInputStep();
+    m_time += count;
+}
+
+void CGraphRig::feedOnly(int count)
+{
+    const std::uint64_t before = CQrbMemAllocator::allocateCount();
+    feed(count);
+    m_output->releaseInputs();
+    allocations += CQrbMemAllocator::allocateCount() - before;
+}
+
 std::map<int, std::vector<double>> CGraphRig::run(int count, int block)
 {
     std::map<int, std::vector<double>> result;
     for (int done = 0; done < count; done += block) {
         const int length = std::min(block, count - done);
-        m_collector->flushQueue();
-        for (std::size_t i = 0; i < m_source.lines().size(); ++i) {
-            CSampleBuffer buffer = m_pool.get(length);
-            for (int n = 0; n < length; ++n)
-                buffer.data()[n] = input(static_cast<int>(i), m_time + n);
-            m_source.send(static_cast<int>(i), buffer, length);
-        }
-        m_main->process();
-        m_output->runInputStep();
+        feed(length);
         for (const CAudioLine& line : m_output->lines()) {
             if (line.buffer)
                 result[line.channel].insert(result[line.channel].end(), line.buffer.data(),
                                             line.buffer.data() + length);
         }
         m_output->releaseInputs();
-        m_time += length;
     }
     return result;
 }

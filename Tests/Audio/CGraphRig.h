@@ -66,6 +66,9 @@ public:
     void set(const std::string& path, double value, int group = 0, int element = 0);
     /// Runs `count` samples in blocks of `block`; channel to samples. Time goes on from run to run.
     std::map<int, std::vector<double>> run(int count, int block = 64);
+    /// One block whose output nobody looks at; adds what it allocates from the library to `allocations`.
+    void feedOnly(int count);
+    std::uint64_t allocations = 0;
     /// The same, first sample of channel 0 alone; NaN without such a line.
     double runOne();
     void reset() { m_main->reset(); }
@@ -87,7 +90,7 @@ public:
     static std::string takeProbeLog();
 
 private:
-    friend class CProbeModule;
+    void feed(int count);
 
     std::unique_ptr<CTestModule> m_module;
     CAudioParamCollector* m_collector = nullptr;
