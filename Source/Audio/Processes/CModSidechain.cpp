@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/Processes/CModSidechain.h"
 
+#include "Audio/CAudioParamStorage.h"
+
 namespace qrb {
 
 CErrorPtr CModSidechain::init()
@@ -15,11 +17,12 @@ CErrorPtr CModSidechain::init()
 void CModSidechain::makeRoutes()
 {
     const std::span<const CAudioLine> inputs = lines();
+    const bool hasSource = m_sourceSlot.isBound() && m_sourceSlot.storage->hasData();
     CArray<CRoute, CAudioProcessPort::kMaxLines> silent;
     for (const CAudioLine& line : inputs) {
         if (isOn(m_muteSlot, line.channel))
             continue;
-        const int source = m_sourceSlot.isBound() ? m_sourceSlot.valueInt(paramGroup(), line.channel) : line.channel;
+        const int source = hasSource ? m_sourceSlot.valueInt(paramGroup(), line.channel) : line.channel;
         std::size_t i = 0;
         while (i < inputs.size() && inputs[i].channel != source)
             ++i;

@@ -1,14 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/AudioCreators.h"
+#include "Audio/CAudioParamConverter.h"
 #include "Audio/CAudioParamInfo.h"
-#include "Audio/Converters/CAudioParamConverterBW.h"
-#include "Audio/Converters/CAudioParamConverterEnum.h"
-#include "Audio/Converters/CAudioParamConverterFreq.h"
-#include "Audio/Converters/CAudioParamConverterGain.h"
-#include "Audio/Converters/CAudioParamConverterPercent.h"
-#include "Audio/Converters/CAudioParamConverterRatio.h"
-#include "Audio/Converters/CAudioParamConverterReal.h"
-#include "Audio/Converters/CAudioParamConverterText.h"
-#include "Audio/Converters/CAudioParamConverterTime.h"
 #include "Tests/Support/CTestModule.h"
 
 #include <gtest/gtest.h>
@@ -18,18 +11,6 @@
 
 namespace qrb {
 namespace {
-
-constexpr CCreatorRow kRows[] = {
-    creatorRow<CAudioParamConverterGain>("audio:cvt-gain"),
-    creatorRow<CAudioParamConverterFreq>("audio:cvt-freq"),
-    creatorRow<CAudioParamConverterBW>("audio:cvt-bw"),
-    creatorRow<CAudioParamConverterRatio>("audio:cvt-ratio"),
-    creatorRow<CAudioParamConverterReal>("audio:cvt-real"),
-    creatorRow<CAudioParamConverterPercent>("audio:cvt-percent"),
-    creatorRow<CAudioParamConverterTime>("audio:cvt-time"),
-    creatorRow<CAudioParamConverterText>("audio:cvt-text"),
-    creatorRow<CAudioParamConverterEnum>("audio:cvt-enum"),
-};
 
 constexpr const char* kDocument = R"(<root>
     <audio:cvt-gain name="gain" scale-power="1.0" scale-threshold="-1.0" decimals="1" label="dB"/>
@@ -84,7 +65,7 @@ protected:
     }
 
 private:
-    CTestModule m_module{kDocument, kRows};
+    CTestModule m_module{kDocument, audioCreators()};
 };
 
 struct CRange {
@@ -286,7 +267,7 @@ TEST(ConverterDeclarations, AreRefusedOutsideTheirLimits)
         {R"(<audio:cvt-real name="x" decimals="-1"/>)", "Invalid decimals -1 specified."},
         {R"(<audio:cvt-time name="x" scale="-0.5"/>)", "Invalid scale -0.5 specified."},
     };
-    CTestModule module("<root/>", kRows);
+    CTestModule module("<root/>", audioCreators());
     for (const auto& [node, message] : kBad) {
         std::string error;
         EXPECT_EQ(module.tryLoadRoot(std::string("<root>") + node + "</root>", error), nullptr) << node;
