@@ -19,6 +19,10 @@
 #include "Audio/Converters/CAudioParamConverterReal.h"
 #include "Audio/Converters/CAudioParamConverterText.h"
 #include "Audio/Converters/CAudioParamConverterTime.h"
+#include "Audio/Filters/CAudioFilterBypassGen.h"
+#include "Audio/Filters/CAudioFilterFIRLPGen.h"
+#include "Audio/Filters/CAudioFilterGenArray.h"
+#include "Audio/Filters/CAudioFilterGenArrayItem.h"
 #include "Audio/Processes/CModAbs.h"
 #include "Audio/Processes/CModBypass.h"
 #include "Audio/Processes/CModDelay.h"
@@ -52,6 +56,10 @@ std::span<const CCreatorRow> audioCreators()
         creatorRow<CAudioParamConverterReal>("audio:cvt-real"),
         creatorRow<CAudioParamConverterText>("audio:cvt-text"),
         creatorRow<CAudioParamConverterTime>("audio:cvt-time"),
+        creatorRow<CAudioFilterGenArray>("audio:fltgen-array"),
+        creatorRow<CAudioFilterGenArrayItem>("audio:fltgen-array-item"),
+        creatorRow<CAudioFilterBypassGen>("audio:fltgen-bypass"),
+        creatorRow<CAudioFilterFIRLPGen>("audio:fltgen-firlp"),
         creatorRow<CModAbsDef>("audio:modAbs"),
         creatorRow<CModBypassDef>("audio:modBypass"),
         creatorRow<CModDelayDef>("audio:modDelay"),
