@@ -55,8 +55,8 @@ void CModule::leave()
     if (g_entries == 0 || --g_entries > 0)
         return;
     destroyState();
-    // Pools of a size of which something still lives, such as a text of the caller, stay as they are.
-    static_cast<void>(CQrbMemAllocator::destroyAll());
+    // What still lives, such as a text of the caller, stays usable.
+    CQrbMemAllocator::destroyAllIfAlone();
 }
 
 } // namespace qrb

@@ -33,8 +33,7 @@ class CModule {
 public:
     /// Only the first entry looks at the configuration. An entry that fails counts for nothing.
     [[nodiscard]] static CErrorPtr enter(const CModuleConfig& config);
-    /// Every tree but the shared one has been released before the last exit, which gives the allocator's memory back:
-    /// no other thread may be inside the library then.
+    /// Every tree but the shared one has been released before the last exit.
     static void leave();
 };
 

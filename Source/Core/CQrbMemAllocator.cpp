@@ -66,6 +66,8 @@ std::size_t CQrbMemAllocator::destroyAll() noexcept
     return 0;
 }
 
+void CQrbMemAllocator::destroyAllIfAlone() noexcept {}
+
 #else
 
 namespace {
@@ -277,9 +279,11 @@ std::size_t CQrbMemAllocator::chunkCount() noexcept
     return present != nullptr ? present->chunkCount() : 0;
 }
 
-std::size_t CQrbMemAllocator::destroyAll() noexcept
+namespace {
+
+/// Under the lock of the caches.
+std::size_t destroyPools() noexcept
 {
-    const std::lock_guard guard(g_cachesLock);
     CBlockPools* present = g_pools.load(std::memory_order_acquire);
     if (present == nullptr) {
         return 0;
@@ -294,6 +298,23 @@ std::size_t CQrbMemAllocator::destroyAll() noexcept
         std::free(present);
     }
     return missing;
+}
+
+} // namespace
+
+std::size_t CQrbMemAllocator::destroyAll() noexcept
+{
+    const std::lock_guard guard(g_cachesLock);
+    return destroyPools();
+}
+
+void CQrbMemAllocator::destroyAllIfAlone() noexcept
+{
+    // A thread that comes in only now has no cache yet and waits for the lock.
+    const std::lock_guard guard(g_cachesLock);
+    if (g_caches == nullptr || (g_caches == t_state.cache && g_caches->m_next == nullptr)) {
+        destroyPools();
+    }
 }
 
 #endif

@@ -34,6 +34,9 @@ public:
     /// number of these blocks (0 when the library's memory is all back). No other thread may be inside the allocator.
     /// Large blocks are not touched. Allocation works again afterwards.
     static std::size_t destroyAll() noexcept;
+    /// The same, unless another living thread has used the allocator: it may be inside, and the pools stay for whoever
+    /// comes next. Thread: any.
+    static void destroyAllIfAlone() noexcept;
 };
 
 } // namespace qrb

@@ -214,6 +214,20 @@ TEST(CQrbMemAllocator, ChunksDoublePrefillNeedsNoMoreAndAllComesBack)
     CMarked again(kSize, 5);
     EXPECT_TRUE(again.isWhole());
     CAlloc::release(again.words);
+
+    std::barrier together(2);
+    std::thread other([&] {
+        CAlloc::release(CAlloc::allocate(1));
+        together.arrive_and_wait();
+        together.arrive_and_wait();
+    });
+    together.arrive_and_wait();
+    CAlloc::destroyAllIfAlone();
+    EXPECT_GT(CAlloc::chunkCount(), before); // the other thread may be at work
+    together.arrive_and_wait();
+    other.join();
+    CAlloc::destroyAllIfAlone();
+    EXPECT_EQ(CAlloc::chunkCount(), before);
 }
 
 #endif
