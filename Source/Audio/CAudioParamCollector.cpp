@@ -206,6 +206,8 @@ void CAudioParamCollector::cancelDeferred(const CAudioParamDeferredTarget& targe
 void CAudioParamCollector::setWakeHook(std::function<void()> hook)
 {
     m_wakeHook = std::move(hook);
+    if (hasDeferred() && m_wakeHook)
+        m_wakeHook();
 }
 
 void CAudioParamCollector::wakeDeferred()

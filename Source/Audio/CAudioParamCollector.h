@@ -74,7 +74,7 @@ public:
     void runDeferred();
     /// Whether runDeferred() has work, for owners that look from time to time. Thread: any.
     [[nodiscard]] bool hasDeferred() const { return m_hasDeferred.load(std::memory_order_acquire); }
-    /// Called when runDeferred() gets work. Set by the owner before other threads know the instance. The hook runs on any
+    /// Called when runDeferred() gets work, at once if it has some already. Set by the owner before other threads know the instance. The hook runs on any
     /// thread, the audio thread too: it neither waits nor allocates, and does not call back.
     void setWakeHook(std::function<void()> hook);
     /// Notes that runDeferred() has work. Thread: any.
