@@ -8,19 +8,24 @@
 
 namespace qrb {
 
-namespace {
+const CString& CAttrExpansion::fullName() const
+{
+    return m_object.fullName();
+}
 
-/// The text of a value; a string's is shared.
-CTextRef textOf(const CObjectAttr& value)
+CTextRef CAttrExpansion::textOf(const CObjectAttr& value)
 {
     return value.type() == CObjectAttr::EType::string ? value.textRef() : CTextRef(value.toString());
 }
 
-} // namespace
-
-const CString& CAttrExpansion::fullName() const
+const CObjectAttr* CAttrExpansion::findInherited(const CObject& object, std::uint32_t hash, const CString& name)
 {
-    return m_object.fullName();
+    for (const CObject* holder = &object; holder != nullptr; holder = holder->m_parent) {
+        const std::size_t index = holder->m_attrs.find(hash, name);
+        if (index != CAttrTable::npos)
+            return &holder->m_attrs[index].value;
+    }
+    return nullptr;
 }
 
 CErrorPtr CAttrExpansion::expand(CTextRef& text)
@@ -73,11 +78,10 @@ CTextRef CAttrExpansion::resolve(const CString& reference, const CString& def, b
         object = m_object.findObject(reference.substr(1, blank == CString::npos ? blank : blank - 1));
         attr = blank == CString::npos ? m_attrName : reference.substr(blank + 1);
     }
-    for (; object != nullptr; object = isInherited ? object->parent() : nullptr) {
-        if (const CObjectAttr* const value = object->findAttr(attr))
-            return textOf(*value);
-    }
-    return CTextRef(def);
+    if (object == nullptr)
+        return CTextRef(def);
+    const CObjectAttr* const value = isInherited ? findInherited(*object, attr.hash(), attr) : object->findAttr(attr);
+    return value != nullptr ? textOf(*value) : CTextRef(def);
 }
 
 CTextRef CAttrExpansion::bind(const CString& reference)

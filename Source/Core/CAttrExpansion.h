@@ -5,9 +5,12 @@
 #include "Core/CString.h"
 #include "Core/CTextRef.h"
 
+#include <cstdint>
+
 namespace qrb {
 
 class CObject;
+class CObjectAttr;
 
 /// Replaces the expressions in the value of an attribute, the innermost first:
 ///   {}  {name}  {/path name}     value of an attribute, looked for from the object up to its root; "?default" behind
@@ -22,6 +25,12 @@ public:
     CAttrExpansion(CObject& object, const CString& attrName) : m_object(object), m_attrName(attrName) {}
 
     [[nodiscard]] CErrorPtr expand(CTextRef& text);
+
+    /// The attribute of the object, or else of the nearest object above it that has one, or null.
+    [[nodiscard]] static const CObjectAttr* findInherited(const CObject& object, std::uint32_t hash,
+                                                          const CString& name);
+    /// The text of a value; a string's is shared.
+    [[nodiscard]] static CTextRef textOf(const CObjectAttr& value);
 
 private:
     [[nodiscard]] const CString& fullName() const;

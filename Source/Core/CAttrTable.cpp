@@ -7,7 +7,7 @@
 
 namespace qrb {
 
-std::size_t CAttrTable::find(std::uint32_t hash, const CString& name) const
+std::size_t CAttrTable::search(std::uint32_t hash, const CString& name) const
 {
     const std::uint32_t* const hashes = m_hashes.data();
     const std::size_t count = m_hashes.size();
@@ -19,15 +19,6 @@ std::size_t CAttrTable::find(std::uint32_t hash, const CString& name) const
         }
     }
     return npos;
-}
-
-std::size_t CAttrTable::append(std::uint32_t hash, CTextRef&& name, CAttrSetter setter)
-{
-    m_hashes.append(hash);
-    CEntry& entry = m_entries.emplace();
-    entry.name = std::move(name);
-    entry.setter = setter;
-    return m_hashes.size() - 1;
 }
 
 void CAttrTable::reserveMore(std::size_t count)

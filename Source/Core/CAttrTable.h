@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 namespace qrb {
 
@@ -18,6 +19,11 @@ class CString;
 class CAttrTable {
 public:
     struct CEntry {
+        CEntry(CTextRef&& entryName, CObjectAttr&& entryValue, CAttrSetter entrySetter)
+            : name(std::move(entryName)), value(std::move(entryValue)), setter(entrySetter)
+        {
+        }
+
         CTextRef name;
         CObjectAttr value;
         CAttrSetter setter = nullptr;
@@ -27,9 +33,18 @@ public:
 
     static constexpr std::size_t npos = static_cast<std::size_t>(-1);
 
-    [[nodiscard]] std::size_t find(std::uint32_t hash, const CString& name) const;
+    [[nodiscard]] std::size_t find(std::uint32_t hash, const CString& name) const
+    {
+        return (m_present & presentBit(hash)) != 0 ? search(hash, name) : npos;
+    }
     /// Adds an attribute that is not there yet and gives its index.
-    std::size_t append(std::uint32_t hash, CTextRef&& name, CAttrSetter setter);
+    std::size_t append(std::uint32_t hash, CTextRef&& name, CObjectAttr&& value, CAttrSetter setter)
+    {
+        m_present |= presentBit(hash);
+        m_hashes.append(hash);
+        m_entries.emplace(std::move(name), std::move(value), setter);
+        return m_hashes.size() - 1;
+    }
     /// Makes room for `count` attributes more.
     void reserveMore(std::size_t count);
 
@@ -38,6 +53,10 @@ public:
     [[nodiscard]] const CEntry& operator[](std::size_t index) const { return m_entries[index]; }
 
 private:
+    [[nodiscard]] static std::uint64_t presentBit(std::uint32_t hash) { return std::uint64_t{1} << (hash & 63); }
+    [[nodiscard]] std::size_t search(std::uint32_t hash, const CString& name) const;
+
+    std::uint64_t m_present = 0; ///< a bit for each hash, so that most searches for what is not there need no look
     CArray<std::uint32_t, 0> m_hashes;
     CArray<CEntry, 0> m_entries;
 };

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Core/CChildNames.h"
 
-#include <iterator>
+#include "Core/CNumberText.h"
+
+#include <algorithm>
 
 namespace qrb {
 
@@ -26,66 +28,78 @@ bool readIndex(const CString& text, std::size_t from, std::uint32_t& index)
     return true;
 }
 
-} // namespace
-
-CChildNames::CName CChildNames::split(const CString& name)
+/// Position of the "#" of a name "base#index", or npos for a name that is all base.
+std::size_t splitName(const CString& name, std::uint32_t& index)
 {
     const std::size_t hash = name.find(u'#');
-    std::uint32_t index = 0;
-    if (hash == CString::npos || !readIndex(name, hash + 1, index))
-        return {name, 0};
-    return {name.substr(0, hash), index};
+    index = 0;
+    return hash != CString::npos && readIndex(name, hash + 1, index) ? hash : CString::npos;
 }
 
-CChildNames::CName CChildNames::add(const CString& name, CObject& child)
+} // namespace
+
+CString CChildNames::add(const CString& name, CObject& child)
 {
-    CName got = split(name);
-    Indexed& indexed = m_names[got.base];
-    if (indexed.contains(got.index))
-        got.index = indexed.rbegin()->first + 1;
-    indexed.emplace(got.index, &child);
-    return got;
+    std::uint32_t index = 0;
+    const std::size_t hash = splitName(name, index);
+    CString base = hash == CString::npos ? name : name.substr(0, hash);
+    Indexed& indexed = m_names[base];
+    auto place = std::partition_point(indexed.begin(), indexed.end(),
+                                      [index](const CIndexed& each) { return each.index < index; });
+    if (place != indexed.end() && place->index == index) {
+        index = indexed.back().index + 1;
+        place = indexed.end();
+    }
+    indexed.insertAt(static_cast<std::size_t>(place - indexed.begin()), {index, &child});
+    if (index != 0) {
+        base.append(u'#');
+        base += formatInteger(index);
+    }
+    return base;
 }
 
 void CChildNames::remove(const CString& name, const CObject& child)
 {
-    const CName split = CChildNames::split(name);
-    const auto found = m_names.find(split.base);
+    std::uint32_t index = 0;
+    const std::size_t hash = splitName(name, index);
+    const auto found = m_names.find(hash == CString::npos ? name : name.substr(0, hash));
     if (found == m_names.end())
         return;
-    const auto entry = found->second.find(split.index);
-    if (entry == found->second.end() || entry->second != &child)
-        return;
-    found->second.erase(entry);
-    if (found->second.empty())
+    Indexed& indexed = found->second;
+    for (std::size_t i = 0; i < indexed.size(); ++i) {
+        if (indexed[i].child == &child) {
+            indexed.removeAt(i);
+            break;
+        }
+    }
+    if (indexed.empty())
         m_names.erase(found);
 }
 
 CObject* CChildNames::find(const CString& segment) const
 {
     const std::size_t hash = segment.find(u'#');
-    if (hash == CString::npos) {
-        const auto found = m_names.find(segment);
-        return found != m_names.end() ? found->second.begin()->second : nullptr;
-    }
-    const char16_t sign = segment.at(hash + 1);
+    const char16_t sign = hash == CString::npos ? u'\0' : segment.at(hash + 1);
     const bool isCounted = sign == u'+' || sign == u'-';
     std::uint32_t index = 0;
-    if (!readIndex(segment, hash + (isCounted ? 2 : 1), index)) {
+    if (hash == CString::npos || !readIndex(segment, hash + (isCounted ? 2 : 1), index)) {
         const auto found = m_names.find(segment);
-        return found != m_names.end() ? found->second.begin()->second : nullptr;
+        return found != m_names.end() ? found->second[0].child : nullptr;
     }
     const auto found = m_names.find(segment.substr(0, hash));
     if (found == m_names.end())
         return nullptr;
     const Indexed& indexed = found->second;
-    if (!isCounted) {
-        const auto entry = indexed.find(index);
-        return entry != indexed.end() ? entry->second : nullptr;
+    if (isCounted) {
+        if (index >= indexed.size())
+            return nullptr;
+        return indexed[sign == u'+' ? index : indexed.size() - 1 - index].child;
     }
-    if (index >= indexed.size())
-        return nullptr;
-    return sign == u'+' ? std::next(indexed.begin(), index)->second : std::next(indexed.rbegin(), index)->second;
+    for (const CIndexed& each : indexed) {
+        if (each.index == index)
+            return each.child;
+    }
+    return nullptr;
 }
 
 } // namespace qrb

@@ -3,7 +3,7 @@
 
 #include "Core/CCheckedObject.h"
 #include "Core/CError.h"
-#include "Core/CQrbStdAllocator.h"
+#include "Core/CHashMap.h"
 #include "Core/CString.h"
 #include "Core/CTextRef.h"
 
@@ -54,7 +54,7 @@ public:
 private:
     std::unique_ptr<CObjectClassInfo> m_baseInfo;
     CTextRef m_fullNameKey;
-    CMap<CString, CCreator> m_creators;
+    CHashMap<CString, CCreator> m_creators;
 };
 
 } // namespace qrb

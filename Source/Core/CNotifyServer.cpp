@@ -15,12 +15,6 @@ CNotifyServer::CNotifyServer(std::uint32_t number) : m_number(number) {}
 
 CNotifyServer::~CNotifyServer() = default;
 
-std::int32_t CNotifyServer::takeObjectId()
-{
-    const platform::CScopedLock guard(m_idLock);
-    return m_nextId++;
-}
-
 CNotifyRecord* CNotifyServer::findRecord(const CString& eventName)
 {
     const platform::CScopedLock guard(m_mapLock);

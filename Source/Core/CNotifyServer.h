@@ -8,6 +8,7 @@
 #include "Core/CString.h"
 #include "Platform/CRecursiveLock.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <utility>
@@ -28,7 +29,7 @@ public:
 
     /// Number of this server, never used twice in a process entry.
     [[nodiscard]] std::uint32_t number() const { return m_number; }
-    [[nodiscard]] std::int32_t takeObjectId();
+    [[nodiscard]] std::int32_t takeObjectId() { return m_nextId.fetch_add(1, std::memory_order_relaxed); }
 
     /// Registers, or replaces the handler of, a listener of one event of one sender.
     void listen(const CObject& sender, const CString& eventName, CObject& listener, const CObjectEvent& handler);
@@ -50,8 +51,7 @@ private:
     void forgetUse(const CObject& object, CNotifyRecord& record, const CObject& sender);
 
     const std::uint32_t m_number;
-    platform::CRecursiveLock m_idLock{50};
-    std::int32_t m_nextId = 0;
+    std::atomic<std::int32_t> m_nextId{0};
     platform::CRecursiveLock m_mapLock{4000};                ///< never held while a record's lock is waited for
     CMap<CString, std::unique_ptr<CNotifyRecord>> m_records; ///< live as long as the server
     CMap<const CObject*, Uses> m_uses;

@@ -179,6 +179,8 @@ private:
 
     CErrorPtr loadNode(CDocumentCursor& cursor, ERunInit runInit, ENodePart part);
     CErrorPtr loadAttrs(CDocumentCursor& cursor, bool isSkipped);
+    CErrorPtr expandFromDocument(CDocumentCursor& cursor, const CTextRecord& name, std::size_t valueIndex,
+                                 CTextRef& text);
     CErrorPtr loadChilds(CDocumentCursor& cursor);
     CErrorPtr loadTemplateRecord(CDocumentCursor& cursor);
     CErrorPtr damagedDocument() const;
@@ -193,6 +195,8 @@ private:
 
     CErrorPtr storeText(std::size_t index, CTextRef&& value, ESetter setter);
     CErrorPtr storeValue(std::size_t index, CObjectAttr&& value, ESetter setter);
+    [[nodiscard]] CAttrSetter findSetter(std::uint32_t hash, const CString& name) const;
+    void queueSetter(std::size_t index);
     CErrorPtr runSetter(std::size_t index);
     CErrorPtr flushSetters();
     CErrorPtr applyAttrs(const CAttrOverrides* attrs);

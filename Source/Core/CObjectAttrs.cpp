@@ -66,10 +66,15 @@ std::size_t CObject::findOrAddAttr(const CString& name)
     return index != CAttrTable::npos ? index : addAttr(hash, CTextRef(name));
 }
 
+CAttrSetter CObject::findSetter(std::uint32_t hash, const CString& name) const
+{
+    return m_classInfo != nullptr ? m_classInfo->findSetter(hash, name) : nullptr;
+}
+
 std::size_t CObject::addAttr(std::uint32_t hash, CTextRef&& name)
 {
-    const CAttrSetter setter = m_classInfo != nullptr ? m_classInfo->findSetter(hash, name.text()) : nullptr;
-    return m_attrs.append(hash, std::move(name), setter);
+    const CAttrSetter setter = findSetter(hash, name.text());
+    return m_attrs.append(hash, std::move(name), CObjectAttr(), setter);
 }
 
 CErrorPtr CObject::storeText(std::size_t index, CTextRef&& value, ESetter setter)
@@ -79,19 +84,24 @@ CErrorPtr CObject::storeText(std::size_t index, CTextRef&& value, ESetter setter
 
 CErrorPtr CObject::storeValue(std::size_t index, CObjectAttr&& value, ESetter setter)
 {
-    CAttrTable::CEntry& entry = m_attrs[index];
-    entry.value = std::move(value);
-    if (entry.setter != nullptr) {
-        if (setter == ESetter::now) {
-            QRB_TRY(runSetter(index));
-        } else if (!entry.isQueued) {
-            entry.isQueued = true;
-            m_pendingSetters.append(static_cast<std::uint32_t>(index));
-        }
+    m_attrs[index].value = std::move(value);
+    if (setter == ESetter::queue) {
+        queueSetter(index);
+    } else if (m_attrs[index].setter != nullptr) {
+        QRB_TRY(runSetter(index));
     }
     if (m_bindings != nullptr)
         QRB_TRY(notifyBound(index));
     return {};
+}
+
+void CObject::queueSetter(std::size_t index)
+{
+    CAttrTable::CEntry& entry = m_attrs[index];
+    if (entry.setter == nullptr || entry.isQueued)
+        return;
+    entry.isQueued = true;
+    m_pendingSetters.append(static_cast<std::uint32_t>(index));
 }
 
 CErrorPtr CObject::runSetter(std::size_t index)
@@ -132,13 +142,10 @@ CAttrBindings& CObject::bindings()
 void CObject::applyClassDefaults()
 {
     for (const CObjectClassInfo::CDefaultRow& row : m_classInfo->defaults()) {
-        const std::size_t index = addAttr(row.name->hash, CTextRef::borrowed(*row.name.record()));
-        CAttrTable::CEntry& entry = m_attrs[index];
-        entry.value = CObjectAttr(CTextRef::borrowed(*row.value.record()));
-        if (entry.setter != nullptr) {
-            entry.isQueued = true;
-            m_pendingSetters.append(static_cast<std::uint32_t>(index));
-        }
+        const std::uint32_t hash = row.name->hash();
+        queueSetter(m_attrs.append(hash, CTextRef::borrowed(*row.name.record()),
+                                   CObjectAttr(CTextRef::borrowed(*row.value.record())),
+                                   findSetter(hash, row.name->text)));
     }
 }
 
@@ -146,7 +153,7 @@ void CObject::setFullName(CString&& name)
 {
     m_fullName = CTextRef(std::move(name));
     const CTextRecord& key = processState().creators->fullNameKey();
-    m_attrs[m_attrs.append(key.hash, CTextRef::borrowed(key), nullptr)].value = CObjectAttr(CTextRef(m_fullName));
+    m_attrs.append(key.hash(), CTextRef::borrowed(key), CObjectAttr(CTextRef(m_fullName)), nullptr);
 }
 
 void CObject::makeReadOnly()

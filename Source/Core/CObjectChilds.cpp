@@ -3,7 +3,6 @@
 #include "Core/CCreatorTable.h"
 #include "Core/CLog.h"
 #include "Core/CNotifyServer.h"
-#include "Core/CNumberText.h"
 #include "Core/CObject.h"
 #include "Core/CObjectClassInfo.h"
 #include "Core/CObjectPath.h"
@@ -60,15 +59,16 @@ CErrorPtr CObject::linkChild(CObject& child, const CString& tag, const CString& 
     child.m_isShortcutChild = m_tag == "core:shortcut";
 
     m_childs.append(&child);
-    const CChildNames::CName got = m_childNames.add(name, child);
-    CString full = fullName();
-    if (!full.empty())
-        full.append(u'.');
-    full += got.base;
-    if (got.index != 0) {
-        full.append(u'#');
-        full += formatInteger(got.index);
+    CString got = m_childNames.add(name, child);
+    if (fullName().empty()) {
+        child.setFullName(std::move(got));
+        return {};
     }
+    CString full;
+    full.reserve(fullName().length() + 1 + got.length());
+    full += fullName();
+    full.append(u'.');
+    full += got;
     child.setFullName(std::move(full));
     return {};
 }

@@ -58,7 +58,7 @@ void CObjectClassInfo::rebuildSlots()
     m_slots.resize(slotCountFor(m_attrs.size()));
     const std::size_t mask = m_slots.size() - 1;
     for (std::size_t row = 0; row < m_attrs.size(); ++row) {
-        std::size_t slot = m_attrs[row].name->hash & mask;
+        std::size_t slot = m_attrs[row].name->hash() & mask;
         while (m_slots[slot] != 0)
             slot = (slot + 1) & mask;
         m_slots[slot] = static_cast<std::uint16_t>(row + 1);
@@ -72,7 +72,7 @@ CAttrSetter CObjectClassInfo::findSetter(std::uint32_t hash, const CString& name
     const std::size_t mask = m_slots.size() - 1;
     for (std::size_t slot = hash & mask; m_slots[slot] != 0; slot = (slot + 1) & mask) {
         const CAttrRow& row = m_attrs[m_slots[slot] - 1u];
-        if (row.name->hash == hash && row.name->text == name)
+        if (row.name->hash() == hash && row.name->text == name)
             return row.setter;
     }
     return nullptr;

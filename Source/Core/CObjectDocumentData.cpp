@@ -62,13 +62,34 @@ CErrorPtr CObjectDocumentData::load(std::span<const std::uint8_t> document, bool
         if (length >= bytesLeft || offset + length >= blockSize)
             return QRB_ERROR(kBadTable);
         bytesLeft -= length + 1;
-        CTextRecord* const record = ::new (static_cast<void*>(m_strings + m_count)) CTextRecord;
-        ++m_count;
-        record->assign(CString::fromUtf8({reinterpret_cast<const char*>(block.data()) + offset, length}));
-        record->document = this;
-        m_briefs.append({record->hash, record->hasBrace, record->isOff});
+        addString(CString::fromUtf8({reinterpret_cast<const char*>(block.data()) + offset, length}));
     }
     return {};
+}
+
+void CObjectDocumentData::addString(CString&& text)
+{
+    CTextRecord* const record = ::new (static_cast<void*>(m_strings + m_count)) CTextRecord;
+    ++m_count;
+    record->assign(std::move(text));
+    record->document = this;
+    m_briefs.append({record->hasBrace ? addExpression(record->text) : -1, record->hasBrace, record->isOff});
+}
+
+std::int32_t CObjectDocumentData::addExpression(const CString& text)
+{
+    const char16_t first = text.at(1); // the text holds a "{", so there is at least the terminator
+    if (text.at(0) != u'{' || text.find(u'{', 1) != CString::npos || text.find(u'}') != text.length() - 1 ||
+        first == u'@' || first == u'*' || first == u'/')
+        return -1;
+    const CString body = text.substr(1, text.length() - 2);
+    const std::size_t mark = body.find(u'?');
+    CExpression& expression = m_expressions.emplace_back();
+    expression.reference.assign(body.substr(0, mark));
+    expression.reference.document = this;
+    expression.def.assign(mark == CString::npos ? CString() : body.substr(mark + 1));
+    expression.def.document = this;
+    return static_cast<std::int32_t>(m_expressions.size() - 1);
 }
 
 } // namespace qrb

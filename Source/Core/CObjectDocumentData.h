@@ -4,11 +4,13 @@
 #include "Core/CArray.h"
 #include "Core/CCheckedObject.h"
 #include "Core/CError.h"
+#include "Core/CQrbStdAllocator.h"
 #include "Core/CTextRecord.h"
 #include "Core/CTextRef.h"
 
 #include <atomic>
 #include <cstdint>
+#include <deque>
 #include <span>
 
 namespace qrb {
@@ -22,9 +24,14 @@ class CObjectDocumentData : public CCheckedObject {
 public:
     /// What the loader needs of a string, close together.
     struct CBrief {
-        std::uint32_t hash;
+        std::int32_t expression; ///< index of the expression that the whole string is, or -1
         bool hasBrace;
         bool isOff;
+    };
+    /// "{reference?def}", by far the most frequent form: inherited, and nothing around it.
+    struct CExpression {
+        CTextRecord reference; ///< empty for the attribute's own name
+        CTextRecord def;
     };
 
     CObjectDocumentData() = default;
@@ -40,13 +47,24 @@ public:
     [[nodiscard]] const CTextRecord& string(std::size_t index) const { return m_strings[index]; }
     [[nodiscard]] const CBrief& brief(std::size_t index) const { return m_briefs[index]; }
 
+    /// The expression that a string is, or null for any other string.
+    [[nodiscard]] const CExpression* expression(std::size_t index) const
+    {
+        const std::int32_t expression = m_briefs[index].expression;
+        return expression < 0 ? nullptr : &m_expressions[static_cast<std::size_t>(expression)];
+    }
+
     void retain() const { m_references.fetch_add(1, std::memory_order_relaxed); }
     void release() const;
 
 private:
+    void addString(CString&& text);
+    [[nodiscard]] std::int32_t addExpression(const CString& text);
+
     CTextRecord* m_strings = nullptr;
     std::size_t m_count = 0;
     CArray<CBrief, 1> m_briefs;
+    std::deque<CExpression, CQrbStdAllocator<CExpression>> m_expressions; ///< they do not move
     bool m_isStatic = false;
     mutable std::atomic<std::uint32_t> m_references{0};
 };

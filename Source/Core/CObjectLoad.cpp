@@ -12,6 +12,7 @@
 #include "Core/CTextRecord.h"
 #include "Platform/Clock.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace qrb {
@@ -20,6 +21,7 @@ namespace {
 
 constexpr std::uint8_t kObjectKind = 0;
 constexpr std::size_t kAttrBytes = 4;
+constexpr std::size_t kMinChildBytes = 9; // tag, name, kind and two counts
 constexpr std::size_t kPrefixBytes = 4;
 constexpr std::uint64_t kMaxDocumentBytes = 256u * 1024u * 1024u;
 
@@ -119,21 +121,44 @@ CErrorPtr CObject::loadAttrs(CDocumentCursor& cursor, bool isSkipped)
         if (m_isReadOnly || name.text.empty())
             continue;
         // What is off is absent, unless it switches off what is there.
-        std::size_t index = m_attrs.find(name.hash, name.text);
+        const std::uint32_t hash = name.hash();
+        std::size_t index = m_attrs.find(hash, name.text);
         if (value.isOff && index == CAttrTable::npos)
             continue;
         CTextRef text = CTextRef::borrowed(document.string(valueIndex));
-        if (value.hasBrace) {
-            QRB_TRY(CAttrExpansion(*this, name.text).expand(text));
-            if (!cursor.budget().spend(text.text().length()))
-                return damagedDocument();
-            index = m_attrs.find(name.hash, name.text);
+        if (value.hasBrace)
+            QRB_TRY(expandFromDocument(cursor, name, valueIndex, text));
+        if (index == CAttrTable::npos && m_bindings == nullptr) {
+            const CAttrSetter setter = findSetter(hash, name.text);
+            index = m_attrs.append(hash, CTextRef::borrowed(name), CObjectAttr(std::move(text)), setter);
+            if (setter != nullptr)
+                queueSetter(index);
+            continue;
         }
         if (index == CAttrTable::npos)
-            index = addAttr(name.hash, CTextRef::borrowed(name));
+            index = addAttr(hash, CTextRef::borrowed(name));
         QRB_TRY(storeText(index, std::move(text), ESetter::queue));
     }
     return {};
+}
+
+CErrorPtr CObject::expandFromDocument(CDocumentCursor& cursor, const CTextRecord& name, std::size_t valueIndex,
+                                      CTextRef& text)
+{
+    if (const CObjectDocumentData::CExpression* const expression = cursor.document().expression(valueIndex)) {
+        const CTextRecord& reference = expression->reference.text.empty() ? name : expression->reference;
+        const CObjectAttr* const found = CAttrExpansion::findInherited(*this, reference.hash(), reference.text);
+        if (found == nullptr)
+            text = CTextRef::borrowed(expression->def);
+        else if (found->textRef() && found->textRef()->document == &cursor.document())
+            text = CTextRef::borrowed(*found->textRef().record());
+        else
+            text = CAttrExpansion::textOf(*found);
+        if (!text->hasBrace)
+            return {};
+    }
+    QRB_TRY(CAttrExpansion(*this, name.text).expand(text));
+    return cursor.budget().spend(text.text().length()) ? CErrorPtr{} : damagedDocument();
 }
 
 CErrorPtr CObject::loadChilds(CDocumentCursor& cursor)
@@ -141,6 +166,7 @@ CErrorPtr CObject::loadChilds(CDocumentCursor& cursor)
     std::uint16_t count = 0;
     if (!cursor.read(count))
         return damagedDocument();
+    m_childs.reserve(m_childs.size() + std::min<std::size_t>(count, cursor.bytesLeft() / kMinChildBytes));
     for (std::uint16_t i = 0; i < count; ++i) {
         const CTextRecord* tag = nullptr;
         const CTextRecord* name = nullptr;

@@ -23,11 +23,10 @@ constinit std::atomic<CProcessState*> g_state{nullptr};
 } // namespace
 
 CProcessState::CProcessState()
-    : log(new CLog), ownFolders(new platform::CSystemFolders), folders(ownFolders.get()),
+    : m_publication(*this), log(new CLog), ownFolders(new platform::CSystemFolders), folders(ownFolders.get()),
       clockBase(platform::clockSeconds()), notifyServers(new CNotifyServerRegistry), resources(new CResourceStore),
       creators(new CCreatorTable)
 {
-    g_state.store(this, std::memory_order_release);
     // From here on, since notifiers enter themselves in the state.
     notifiers = std::make_unique<CNotifierTable>();
     appDataGlobal = std::make_unique<CAppDataGlobal>();
@@ -37,7 +36,14 @@ CProcessState::CProcessState()
     workers = std::make_unique<CWorkerThreadPool>();
 }
 
-CProcessState::~CProcessState()
+CProcessState::~CProcessState() = default;
+
+CProcessState::CPublication::CPublication(CProcessState& state)
+{
+    g_state.store(&state, std::memory_order_release);
+}
+
+CProcessState::CPublication::~CPublication()
 {
     g_state.store(nullptr, std::memory_order_release);
 }

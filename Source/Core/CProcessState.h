@@ -29,6 +29,13 @@ class IFolders;
 /// Everything that exists once in a process, made by the first module entry and destroyed by the last exit, in the
 /// reverse order of the rows. An area adds its row here: a forward declaration above, the include in the .cpp file.
 class CProcessState : public CCheckedObject {
+    /// Makes processState() give this object as long as any row stands.
+    struct CPublication {
+        explicit CPublication(CProcessState& state);
+        ~CPublication();
+    };
+    CPublication m_publication;
+
 public:
     CProcessState();
     ~CProcessState() override;

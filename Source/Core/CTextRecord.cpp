@@ -10,9 +10,8 @@ namespace qrb {
 void CTextRecord::assign(CString&& value)
 {
     text = std::move(value);
-    hash = text.hash();
     hasBrace = text.contains(u'{');
-    isOff = text.empty() || text == "false";
+    isOff = text.empty() || (text.length() == 5 && text == "false");
 }
 
 void CTextRecord::retain() const
