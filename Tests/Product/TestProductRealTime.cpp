@@ -83,6 +83,18 @@ TEST(TestProductRealTime, AutomationOfASettledGraphCallsNoAllocator)
     EXPECT_EQ(cost.own, 0u);
 }
 
+TEST(TestProductRealTime, ANewPairOfChannelsTakesNothingFromTheSystem)
+{
+    CProductRig rig({});
+    render::CRenderInstance::CTarget target;
+    std::string error;
+    rig.start();
+    ASSERT_TRUE(rig.instance().resolve({"io-params.ms-pairs", 0, 0, "MS1", 0.0}, target, error)) << error;
+    const int index = rig.instance().addTarget(target);
+    const auto kind = qrb::EExternalEventKind::parameter;
+    EXPECT_EQ(costOfBlocks(rig, 2, {{100, kind, index, 0.0}, {300, kind, index, 1.0}}).system, 0u);
+}
+
 TEST(TestProductRealTime, AHundredInstancesOnThreadsOfTheirOwnDoNotDisturbEachOther)
 {
     constexpr int kInstances = 100;

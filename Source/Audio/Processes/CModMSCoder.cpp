@@ -5,6 +5,7 @@
 #include "Audio/Processes/LineMath.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qrb {
 
@@ -35,7 +36,8 @@ void CModMSCoder::findPairs()
     for (std::size_t i = 0; i < inputs.size(); ++i)
         order.append(static_cast<int>(i));
     const auto channelOf = [inputs](int index) { return inputs[static_cast<std::size_t>(index)].channel; };
-    std::ranges::stable_sort(order.span(), {}, channelOf);
+    // A stable sort would take memory from the system; the index as a second key does the same.
+    std::ranges::sort(order.span(), {}, [&](int index) { return std::pair(channelOf(index), index); });
 
     for (const int index : order) {
         const int number = m_pairsSlot.valueInt(paramGroup(), channelOf(index));
