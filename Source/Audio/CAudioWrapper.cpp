@@ -13,6 +13,7 @@
 #include "Core/CNumberText.h"
 #include "Core/CObject.h"
 #include "Core/CProcessState.h"
+#include "Core/CQrbMemAllocator.h"
 #include "Platform/Clock.h"
 
 #include <algorithm>
@@ -28,6 +29,15 @@ constexpr int kMaxLines = 16;
 constexpr int kMaxOversamplingMode = 3;
 constexpr double kLowRateEnd = 72000.0;
 constexpr double kHighRateBegin = 144000.0;
+
+/// Makes blocks ready for what the audio thread builds when it rewires, so that it need not ask the system then.
+void prefillAllocator()
+{
+    constexpr std::size_t kLargest = 1024;
+    constexpr std::size_t kCount = 64;
+    for (std::size_t size = 16; size <= kLargest; size += 16)
+        CQrbMemAllocator::prefill(size, kCount);
+}
 
 } // namespace
 
@@ -52,6 +62,7 @@ CErrorPtr CAudioWrapper::init()
     m_pool = std::make_unique<CSampleBufferPool>();
     m_pool->prefill(1, kMaxLines);
     m_pool->prefill(kMaxSubBlock, kMaxLines);
+    prefillAllocator();
     attachHostParams();
     QRB_TRY(createNodes());
     setChannelCounts(1, 0);
