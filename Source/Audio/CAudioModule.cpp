@@ -68,6 +68,11 @@ CAudioParamSlot CAudioModule::regParam(int index, double unbound) const
     return m_node->regParam(index, unbound);
 }
 
+void CAudioModule::updateAfter(double seconds)
+{
+    m_node->addDelayedUpdate(seconds, &m_isDirty);
+}
+
 bool CAudioModule::isTouched(const CAudioParamSlot& slot) const
 {
     const auto place = static_cast<std::size_t>(slot.index);

@@ -6,6 +6,7 @@
 #include "Core/CArray.h"
 #include "Core/CCheckedObject.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <span>
 
@@ -20,6 +21,9 @@ class CSampleBufferPool;
 /// touched, then `process` in every block. During a crossfade two modules serve the same lines. Thread: audio.
 class CAudioModule : public CCheckedObject {
 public:
+    /// Highest latency in samples that a module may report.
+    static constexpr int kMaxLatency = 1 << 24;
+
     CAudioModule() = default;
     CAudioModule(const CAudioModule&) = delete;
     CAudioModule& operator=(const CAudioModule&) = delete;
@@ -76,7 +80,9 @@ protected:
     [[nodiscard]] bool isTouched(const CAudioParamSlot& slot) const;
     /// In update(): nothing of this module has sounded yet with the present lines.
     [[nodiscard]] bool isFirstUpdate() const { return m_isFirstUpdate; }
-    void setLatency(int samples) { m_latency = samples < 0 ? 0 : samples; }
+    void setLatency(int samples) { m_latency = std::clamp(samples, 0, kMaxLatency); }
+    /// Has update() run again after `seconds` of audio, at the start of a block, whether or not a parameter is touched.
+    void updateAfter(double seconds);
 
 private:
     friend class CAudioModuleInstance;
@@ -104,7 +110,7 @@ private:
     CArray<CLineId, 4> m_lineIds;
     CArray<CSampleBuffer, 2> m_outputs;
     CArray<std::uint8_t, 16> m_touched; ///< by allocation index
-    bool m_isDirty = false;
+    std::uint8_t m_isDirty = 0;
     bool m_isFirstUpdate = true;
 };
 

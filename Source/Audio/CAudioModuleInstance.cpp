@@ -73,25 +73,25 @@ void CAudioModuleInstance::reset()
 void CAudioModuleInstance::touch(int allocIndex)
 {
     m_active->m_touched[static_cast<std::size_t>(allocIndex)] = 1;
-    m_active->m_isDirty = true;
+    m_active->m_isDirty = 1;
 }
 
 void CAudioModuleInstance::touchAll()
 {
     std::ranges::fill(m_active->m_touched, std::uint8_t{1});
-    m_active->m_isDirty = true;
+    m_active->m_isDirty = 1;
 }
 
 void CAudioModuleInstance::applyUpdate(bool isSmooth, int fadeLength)
 {
-    if (!m_active->m_isDirty) {
+    if (!isDirty()) {
         return;
     }
     if (!isSmooth || m_active->m_isFirstUpdate) {
         updateNow(*m_active);
     } else if (isFading()) {
         m_isFadePending = true;
-        m_active->m_isDirty = false;
+        m_active->m_isDirty = 0;
     } else {
         startFade(fadeLength);
     }
@@ -101,14 +101,14 @@ void CAudioModuleInstance::updateNow(CAudioModule& module)
 {
     module.update();
     std::ranges::fill(module.m_touched, std::uint8_t{0});
-    module.m_isDirty = false;
+    module.m_isDirty = 0;
     module.m_isFirstUpdate = false;
 }
 
 void CAudioModuleInstance::startFade(int fadeLength)
 {
     m_fading = std::exchange(m_active, m_modules.take(m_node));
-    m_fading->m_isDirty = false;
+    m_fading->m_isDirty = 0;
     m_isFadePending = false;
     (void)giveLines(*m_active);
     m_active->m_latency = 0;

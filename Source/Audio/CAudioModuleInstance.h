@@ -39,7 +39,7 @@ public:
     /// Marks a parameter as changed.
     void touch(int allocIndex);
     void touchAll();
-    [[nodiscard]] bool isDirty() const { return m_active->m_isDirty; }
+    [[nodiscard]] bool isDirty() const { return m_active->m_isDirty != 0; }
     /// Applies what was touched: through a fade, or at once where `isSmooth` is not set or nothing has sounded yet.
     void applyUpdate(bool isSmooth, int fadeLength);
 

@@ -24,6 +24,7 @@ std::unique_ptr<CAudioModule> CAudioModulePool::take(CAudioProcessTerminalBase& 
 void CAudioModulePool::keep(std::unique_ptr<CAudioModule> module)
 {
     if (module != nullptr) {
+        module->m_node->cancelDelayedUpdates(&module->m_isDirty);
         m_modules.append(std::move(module));
     }
 }

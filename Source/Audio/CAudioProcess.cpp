@@ -191,7 +191,9 @@ void CAudioProcess::connectLink(const CAudioProcessLink& link, CAudioProcessItem
 {
     CAudioLineSource& source = link.source == nullptr ? m_innerInput : link.source->node->output();
     CAudioLineSink& sink = destination == nullptr ? innerOutput() : destination->node->input();
-    source.connect(link.sourcePort, sink, link.destinationPort, link.source == nullptr ? 0 : link.source->index + 1);
+    const int rank = link.source == nullptr ? 0 : link.source->index + 1;
+    source.connect(link.sourcePort, sink, link.destinationPort,
+                   rank * kMaxPorts + std::min(link.sourcePort, kMaxPorts - 1));
     for (CAudioProcessItem* item : {link.source, destination}) {
         if (item != nullptr) {
             ++item->useCount;

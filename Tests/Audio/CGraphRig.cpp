@@ -35,6 +35,7 @@ CErrorPtr CProbeDef::init()
 {
     QRB_TRY(CModDef<CProbe>::init());
     m_isAge = getAttrBool("is-age");
+    m_again = getAttrDouble("again");
     return nullptr;
 }
 
@@ -54,6 +55,9 @@ void CProbeModule::update()
     probeLog() += "u" + std::to_string(channel());
     m_current = value(m_level);
     setLatency(valueInt(m_reported));
+    const double again = static_cast<const CProbeDef&>(node().definition()).again();
+    if (again > 0.0 && isFirstUpdate())
+        updateAfter(again);
 }
 
 void CProbeModule::regParams()

@@ -20,7 +20,7 @@ namespace qrb {
 class CAudioParamCollector;
 
 /// Module of the tag "test:modProbe": level * input, where the level is its slot 0; with `is-age` it adds the samples
-/// since its last reset; its slot 1 is the latency it reports, its slot 2 a parameter that changes nothing.
+/// since its last reset; with `again` it asks for a second update after so many seconds; its slot 1 is the latency it reports, its slot 2 a parameter that changes nothing.
 class CProbeModule : public CAudioModule {
 public:
     void start() override;
@@ -43,9 +43,11 @@ class CProbeDef : public CModDef<CProbe> {
 public:
     [[nodiscard]] CErrorPtr init() override;
     [[nodiscard]] bool isAge() const { return m_isAge; }
+    [[nodiscard]] double again() const { return m_again; }
 
 private:
     bool m_isAge = false;
+    double m_again = 0.0;
 };
 
 /// A process built from a few lines of document, fed sample by sample from a function of line and time.

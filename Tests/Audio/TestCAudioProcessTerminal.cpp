@@ -180,6 +180,24 @@ TEST(CAudioProcessTerminal, AResetStartsAfreshWithoutAFade)
     EXPECT_EQ(rig.runOne(), 2.0);
 }
 
+TEST(CAudioProcessTerminal, AModuleMayAskForALaterUpdate)
+{
+    CGraphRig rig(paramXml("level", "1") + probeXml("a", "^level", "again='0.02'"));
+    rig.setLines({{0, 0}}, kRate);
+    (void)rig.run(20, 10);
+    EXPECT_EQ(CGraphRig::takeProbeLog(), "s0r0u0");
+    (void)rig.run(20, 10);
+    EXPECT_EQ(CGraphRig::takeProbeLog(), "u0");
+    (void)rig.run(40, 10);
+    EXPECT_EQ(CGraphRig::takeProbeLog(), "");
+    rig.setLines({}); // the module rests with its wish open
+    rig.setLines({{0, 0}}, 2.0 * kRate);
+    (void)rig.run(1);
+    rig.setLines({});
+    (void)rig.run(100, 10);
+    EXPECT_EQ(CGraphRig::takeProbeLog(), "s0r0u0");
+}
+
 TEST(CAudioProcessTerminal, AMissingParameterIsLoggedAndReadsItsDefault)
 {
     CGraphRig rig("<test:modProbe name='a'/>");
