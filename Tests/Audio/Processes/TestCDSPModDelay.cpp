@@ -131,6 +131,31 @@ TEST(CDSPModDelay, HandsItsBufferOnWithoutADelayAndRemembersItForALaterOne)
     EXPECT_TRUE(std::equal(out.begin() + 1, out.end(), samples.begin() + 101));
 }
 
+TEST(CDSPModDelay, GrowsWithAllItRemembersAndSilenceBeforeThat)
+{
+    const CSignal in = makeNoise(4000, 6);
+    // Without a delay so far, the ring is as long as its block size says.
+    for (const auto& [blockSize, remembered] : {std::pair{64, 256}, {1024, 1024}})
+        for (int start = 1100; start < 2200; start += 113)
+            for (const int samples : {250, 700, 1700}) {
+                CSampleBufferPool pool;
+                CDSPModDelay delay(pool);
+                delay.setBlockSize(blockSize);
+                delay.setFadeLength(1);
+                delay.setDelay(0);
+                CSignal out = in;
+                delay.process(in.data(), out.data(), start);
+                delay.setDelay(samples);
+                for (int i = start; i < start + 1750; i += 50)
+                    delay.process(&in[static_cast<std::size_t>(i)], &out[static_cast<std::size_t>(i)], 50);
+                for (int i = start + 1; i < start + 1750; ++i) {
+                    const int from = i - samples;
+                    const double want = from < start - remembered ? 0.0 : in[static_cast<std::size_t>(from)];
+                    ASSERT_EQ(out[static_cast<std::size_t>(i)], want) << blockSize << " " << start << " " << samples;
+                }
+            }
+}
+
 TEST(CDSPModDelay, ReadsASecondTapBehindTheFirst)
 {
     CSampleBufferPool pool;
