@@ -14,6 +14,7 @@
 #include "Core/CObject.h"
 #include "Core/CProcessState.h"
 #include "Core/CQrbMemAllocator.h"
+#include "Core/CWorkerThreadPool.h"
 #include "Platform/Clock.h"
 
 #include <algorithm>
@@ -50,6 +51,9 @@ CAudioWrapper::~CAudioWrapper()
     m_mainNode.reset();
     if (m_root != nullptr)
         m_root->release();
+    // Idle threads do not outlive the instance that used them; another one makes its own again.
+    if (CProcessState* const state = processStateOrNull())
+        state->workers->clearWorkers();
 }
 
 CErrorPtr CAudioWrapper::init()

@@ -3,10 +3,14 @@
 
 #include "Audio/CAudioEnv.h"
 #include "Audio/CAudioParamCollector.h"
+#include "Core/CWorkerBatch.h"
+#include "Core/CWorkerThread.h"
 #include "Platform/CAutoResetEvent.h"
+#include "Platform/CSystemThread.h"
 #include "Tests/Audio/CWrapperWorld.h"
 
 #include <gtest/gtest.h>
+#include <memory>
 #include <random>
 #include <thread>
 
@@ -268,6 +272,34 @@ TEST_F(CAudioWrapperTest, OversamplingFollowsRateAndOfflineState)
     EXPECT_EQ(m_wrapper.param(mode), 0.0);
     m_wrapper.setHostBPM(123.0);
     EXPECT_EQ(m_wrapper.param("plugin.modMain.host-bpm"), 123.0);
+}
+
+TEST_F(CAudioWrapperTest, EndOfAnInstanceEndsIdleWorkers)
+{
+    class CNumberJob final : public CWorkerThread {
+    public:
+        explicit CNumberJob(std::uint64_t& number) : m_number(number) {}
+        CErrorPtr run() override
+        {
+            m_number = platform::CSystemThread::currentId();
+            return nullptr;
+        }
+
+    private:
+        std::uint64_t& m_number;
+    };
+    const auto workerNumber = [] {
+        std::uint64_t number = 0;
+        CWorkerBatch batch;
+        EXPECT_FALSE(batch.add(std::make_unique<CNumberJob>(number)));
+        batch.start();
+        EXPECT_FALSE(batch.finish());
+        return number;
+    };
+    const std::uint64_t number = workerNumber();
+    EXPECT_EQ(workerNumber(), number);
+    std::make_unique<CTestWrapper>().reset();
+    EXPECT_NE(workerNumber(), number);
 }
 
 } // namespace
