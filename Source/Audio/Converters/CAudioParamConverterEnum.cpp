@@ -89,7 +89,7 @@ void CAudioParamConverterEnum::formatValue(CString& out, const CAudioParamInfo& 
         out = formatInteger(roundHalfAway(value));
         return;
     }
-    const std::int64_t index = roundHalfAway(value) - roundHalfAway(lowBound(info, c));
+    const std::int64_t index = std::int64_t{roundToInt(value)} - roundToInt(lowBound(info, c));
     const bool isOwn = index >= 0 && index < static_cast<std::int64_t>(m_longNames.size());
     if (index < 0 || (!isOwn && index >= static_cast<std::int64_t>(infoNames.size()))) {
         out = style == EValueStyle::compact ? "Rsv" : "Reserve";

@@ -16,12 +16,6 @@ double bend(double position, double power)
     return std::abs(power - 1.0) > std::numeric_limits<double>::epsilon() ? std::pow(position, power) : position;
 }
 
-/// Share of `part` in `whole`, 0 where the range is empty.
-double share(double part, double whole)
-{
-    return whole == 0.0 ? 0.0 : part / whole;
-}
-
 } // namespace
 
 CErrorPtr CAudioParamConverterLog::init()
@@ -58,7 +52,7 @@ double CAudioParamConverterLog::toNormal(const CAudioParamInfo& info, int c, dou
         return share(std::log(value), std::log(highBound(info, c))) * (1.0 - threshold) + threshold;
     const double low = lowBound(info, c);
     const double high = threshold > 0.0 ? 1.0 : highBound(info, c);
-    const double position = bend(std::log(value / low) / std::log(high / low), m_scalePower);
+    const double position = bend(share(std::log(value / low), std::log(high / low)), m_scalePower);
     return threshold > 0.0 ? position * threshold : position;
 }
 

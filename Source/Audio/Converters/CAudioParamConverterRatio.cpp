@@ -76,7 +76,7 @@ double CAudioParamConverterRatio::fromNormal(const CAudioParamInfo& info, int c,
 double CAudioParamConverterRatio::toNormal(const CAudioParamInfo& info, int c, double value) const
 {
     const double low = std::atan(lowBound(info, c));
-    return (std::atan(value) - low) / (std::atan(highBound(info, c)) - low);
+    return share(std::atan(value) - low, std::atan(highBound(info, c)) - low);
 }
 
 double CAudioParamConverterRatio::toDisplay(const CAudioParamInfo& info, int c, double n) const

@@ -64,7 +64,7 @@ double CAudioParamConverterTime::toNormal(const CAudioParamInfo& info, int c, do
 {
     if (m_isLog) {
         const double low = lowBound(info, c);
-        return std::log(value / low) / std::log(highBound(info, c) / low);
+        return share(std::log(value / low), std::log(highBound(info, c) / low));
     }
     return m_isExact ? linearToNormal(info, c, value) : squareToNormal(info, c, value);
 }

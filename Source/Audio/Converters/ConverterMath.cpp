@@ -26,6 +26,11 @@ double limitToBounds(const CAudioParamInfo& info, int c, double value)
     return std::clamp(value, low, high);
 }
 
+double share(double part, double whole)
+{
+    return whole == 0.0 ? 0.0 : part / whole;
+}
+
 double linearFromNormal(const CAudioParamInfo& info, int c, double n)
 {
     const double low = lowBound(info, c);
@@ -35,7 +40,7 @@ double linearFromNormal(const CAudioParamInfo& info, int c, double n)
 double linearToNormal(const CAudioParamInfo& info, int c, double value)
 {
     const double low = lowBound(info, c);
-    return (value - low) / (highBound(info, c) - low);
+    return share(value - low, highBound(info, c) - low);
 }
 
 double squareFromNormal(const CAudioParamInfo& info, int c, double n)

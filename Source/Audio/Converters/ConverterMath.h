@@ -15,6 +15,9 @@ class CString;
 /// `value` limited to the bounds of component `c`, in whichever order they are declared.
 [[nodiscard]] double limitToBounds(const CAudioParamInfo& info, int c, double value);
 
+/// Share of `part` in `whole`; 0 where the whole is nothing, as between equal bounds, so that a position is a number.
+[[nodiscard]] double share(double part, double whole);
+
 [[nodiscard]] double linearFromNormal(const CAudioParamInfo& info, int c, double n);
 [[nodiscard]] double linearToNormal(const CAudioParamInfo& info, int c, double value);
 

@@ -110,6 +110,13 @@ TEST_F(Converters, PositionsReachBothEndsKeepTheirOrderAndComeBack)
     }
 }
 
+TEST_F(Converters, EqualBoundsHaveAPositionToo)
+{
+    for (const char* name :
+         {"gain", "freq", "bw", "ratio", "real", "percent", "time", "time-log", "time-exact", "text", "enum"})
+        EXPECT_EQ(get(name).toNormal(bounds(0.5, 0.5), 0, 0.5), 0.0) << name;
+}
+
 TEST_F(Converters, TextComesBackAsTheSameValueAndTheSameText)
 {
     for (const CRange& range : kRanges) {
@@ -238,6 +245,7 @@ TEST_F(Converters, NamesOfStatesAreReadAndWritten)
     EXPECT_EQ(format("enum-enable", 3.0, EValueStyle::normal, info), "Third") << "behind its own names the parameter's";
     EXPECT_EQ(format("enum", 0.0, EValueStyle::normal, info), "Reserve");
     EXPECT_EQ(format("enum", 4.0, EValueStyle::compact, info), "Rsv");
+    EXPECT_EQ(format("enum", -1e300, EValueStyle::normal, info), "Reserve") << "no number is too far off";
     EXPECT_EQ(format("enum", 2.6, EValueStyle::normal), "3") << "no names at all";
     for (int step = 0; step <= 30; ++step) {
         const double value = get("enum").fromNormal(info, 0, step / 30.0);
