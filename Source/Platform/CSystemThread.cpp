@@ -57,11 +57,14 @@ int CSystemThread::start(const char* name, std::function<void()> body, EThreadPr
     start->body = std::move(body);
     start->priority = priority;
 
-    // The new thread inherits the mask of its maker. The process's signals are the host's to handle, on its threads.
-    sigset_t all;
+    // The new thread inherits the mask of its maker. The process's signals are the host's to handle, on its threads;
+    // faults of the thread itself are not blocked, since that would end the process past the host's handlers.
+    sigset_t blocked;
     sigset_t before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before);
+    sigfillset(&blocked);
+    for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SIGABRT})
+        sigdelset(&blocked, fault);
+    pthread_sigmask(SIG_SETMASK, &blocked, &before);
     pthread_t handle{};
     const int error = pthread_create(&handle, nullptr, runThread, start.get());
     pthread_sigmask(SIG_SETMASK, &before, nullptr);

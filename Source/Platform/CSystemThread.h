@@ -23,7 +23,7 @@ public:
 
     /// Runs `body` in a new thread with the default stack size, which the system's tools show as `name` (at most 15
     /// bytes of it). Gives 0 or the system's error number; EBUSY while the last thread has not been joined. Signals of
-    /// the process are not delivered to the new thread.
+    /// the process are not delivered to the new thread, those of its own faults are.
     [[nodiscard]] int start(const char* name, std::function<void()> body, EThreadPriority priority);
     /// Waits for the end of the body; nothing to do without a thread. Not to be called from the thread itself.
     void join();

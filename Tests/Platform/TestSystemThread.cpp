@@ -73,12 +73,14 @@ TEST(SystemThread, HasItsNameItsNumberAndNoSignals)
     char name[32] = {};
     std::uint64_t id = 0;
     bool isBlocked = false;
+    bool isFaultBlocked = true;
     const auto body = [&] {
         pthread_getname_np(pthread_self(), name, sizeof name);
         id = CSystemThread::currentId();
         sigset_t mask;
         pthread_sigmask(SIG_SETMASK, nullptr, &mask);
         isBlocked = sigismember(&mask, SIGINT) == 1;
+        isFaultBlocked = sigismember(&mask, SIGSEGV) == 1;
     };
     // The priority is refused to most users; the thread runs all the same.
     ASSERT_EQ(thread.start("a-name-longer-than-fits", body, EThreadPriority::timeCritical), 0);
@@ -89,6 +91,7 @@ TEST(SystemThread, HasItsNameItsNumberAndNoSignals)
     EXPECT_NE(id, 0u);
     EXPECT_NE(id, CSystemThread::currentId());
     EXPECT_TRUE(isBlocked);
+    EXPECT_FALSE(isFaultBlocked) << "a crash must reach the handlers of the host";
     ASSERT_EQ(thread.start(
                   "again", [] {}, EThreadPriority::normal),
               0);
