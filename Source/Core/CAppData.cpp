@@ -102,11 +102,9 @@ void CAppData::findPaths()
 
 bool CAppData::loadFromSources(const CString& name, std::uint32_t chunkId, CByteArray& out) const
 {
-    CString modulePath = pathFromBytes(processState().folders->modulePath());
-    if (!modulePath.empty()) {
-        modulePath += "/";
+    CString modulePath = processState().moduleFolder;
+    if (!modulePath.empty())
         modulePath += m_places.moduleSubfolder;
-    }
     for (const CString* folder : {&m_userPath, &m_commonPath, &m_olderPath, &std::as_const(modulePath)}) {
         if (!folder->empty() && CAppDataFile(*folder, name).read(chunkId, out))
             return true;
