@@ -219,21 +219,22 @@ TEST(CAudioParam, TheAudioSideArrivesAtTheEditedState)
     const auto below = [&](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
     CAudioParam* const params[] = {&world.bound("list"), &world.bound("pair"), &world.bound("text"),
                                    &world.bound("one")};
-    for (int round = 0; round < 4000; ++round) {
+    for (int round = 0; round < 20000; ++round) {
         CAudioParam& param = *params[below(4)];
-        world.env.setActive(below(2) == 0);
+        if (below(30) == 0)
+            world.env.setActive(below(3) == 0);
         CAudioParamData items;
         const auto value = [&](int) {
             return param.info()->format.hasItems() ? double(items.addText(CString("t") + std::to_string(round).c_str()))
                                                    : double(below(1000));
         };
-        const bool isTemplate = below(40) == 0;
+        const bool isTemplate = below(60) == 0;
         const int count = below(4) + (isTemplate ? 1 : 0);
         std::vector<double> values;
         for (int i = 0; i < count * param.info()->format.elementSize; ++i)
             values.push_back(value(i));
-        const AudioParamRecord kept(param.info()->format, isTemplate ? kAudioParamTemplateGroup : below(12),
-                                    isTemplate ? 0 : below(6), values, below(4) == 0);
+        const AudioParamRecord kept(param.info()->format, isTemplate ? kAudioParamTemplateGroup : below(3),
+                                    isTemplate ? 0 : below(9), values, below(6) == 0);
         CAudioParamUpdate update = kept.update;
         update.data = &items;
         if (below(8) == 0) {
@@ -243,7 +244,7 @@ TEST(CAudioParam, TheAudioSideArrivesAtTheEditedState)
         } else {
             EXPECT_TRUE(param.update(update));
         }
-        if (below(10) != 0)
+        if (below(30) != 0)
             continue;
         world.collector.flushQueue();
         const CAudioParamGuard guard(world.collector);
