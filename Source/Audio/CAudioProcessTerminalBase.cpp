@@ -50,7 +50,7 @@ void CAudioProcessTerminalBase::update()
     }
     for (const auto& instance : m_instances) {
         if (instance->isDirty()) {
-            instance->applyUpdate(isSmooth(instance->group(), isChanged), m_fadeLength);
+            instance->applyUpdate(isSmooth(instance->group(), isChanged, hasTouched), m_fadeLength);
         }
     }
     announceLines();
@@ -97,13 +97,13 @@ void CAudioProcessTerminalBase::touchChangedParams()
     }
 }
 
-bool CAudioProcessTerminalBase::isSmooth(int group, bool isEverythingTouched)
+bool CAudioProcessTerminalBase::isSmooth(int group, bool isEverythingTouched, bool hasTouched)
 {
     if (definition().isSmoothUpdate()) {
         return true;
     }
     return std::ranges::any_of(boundParams(), [&](const CAudioBoundParam& param) {
-        return param.isSmooth && (isEverythingTouched || isTouched(param, group));
+        return param.isSmooth && (isEverythingTouched || (hasTouched && isTouched(param, group)));
     });
 }
 

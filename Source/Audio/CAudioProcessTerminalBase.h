@@ -33,7 +33,7 @@ private:
     void configureInstances();
     void touchChangedParams();
     void announceLines();
-    [[nodiscard]] bool isSmooth(int group, bool isEverythingTouched);
+    [[nodiscard]] bool isSmooth(int group, bool isEverythingTouched, bool hasTouched);
     [[nodiscard]] static bool isTouched(const CAudioBoundParam& param, int group);
 
     CAudioModulePool m_modules;

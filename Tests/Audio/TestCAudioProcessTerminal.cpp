@@ -198,6 +198,20 @@ TEST(CAudioProcessTerminal, AModuleMayAskForALaterUpdate)
     EXPECT_EQ(CGraphRig::takeProbeLog(), "s0r0u0");
 }
 
+TEST(CAudioProcessTerminal, ALaterUpdateCrossesOverForNoChangeThatIsPast)
+{
+    CGraphRig rig(paramXml("level", "1") +
+                  "<test:modProbe name='a' again='0.4'><audio:param-alloc name='a' index='0' param-name='^level' "
+                  "is-smooth-update='true'/></test:modProbe>");
+    rig.setLines({{0, 0}}, kRate);
+    (void)rig.run(10);
+    rig.set("level", 2.0);
+    (void)rig.run(380, 10); // the new module asks too
+    (void)CGraphRig::takeProbeLog();
+    (void)rig.run(100, 10);
+    EXPECT_EQ(CGraphRig::takeProbeLog(), "u0");
+}
+
 TEST(CAudioProcessTerminal, AMissingParameterIsLoggedAndReadsItsDefault)
 {
     CGraphRig rig("<test:modProbe name='a'/>");
