@@ -4,6 +4,8 @@
 #include "Audio/CSampleBuffer.h"
 #include "Core/CArray.h"
 
+#include <cstdint>
+
 namespace qrb {
 
 class CAudioProcessConnection;
@@ -15,6 +17,7 @@ struct CAudioLineInfo {
     int port = 0;    ///< output port of the node that sends it
     int latency = 0; ///< samples at this point of the graph, at this line's rate
     double sampleRate = 1.0;
+    std::uint64_t origin = 0; ///< tells lines of one channel apart that leave a node through one port
 
     friend bool operator==(const CAudioLineInfo&, const CAudioLineInfo&) = default;
 };

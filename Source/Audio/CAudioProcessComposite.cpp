@@ -3,7 +3,16 @@
 
 #include "Audio/CAudioProcessConnection.h"
 
+#include <cstdint>
+
 namespace qrb {
+
+namespace {
+
+/// Spreads the ways that lines have taken through nested nodes.
+constexpr std::uint64_t kOriginFactor = 1000003;
+
+} // namespace
 
 void CAudioProcessComposite::reset()
 {
@@ -41,6 +50,7 @@ void CAudioProcessComposite::announceOutput()
         for (const CAudioProcessConnection::CLine& line : connection->lines()) {
             CAudioLineInfo& info = m_announced.append(line.info);
             info.port = connection->arrivalPort(line);
+            info.origin = info.origin * kOriginFactor + static_cast<std::uint64_t>(connection->order()) + 1;
         }
     }
     output().setLines(m_announced.span());

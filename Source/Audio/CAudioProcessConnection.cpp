@@ -39,19 +39,29 @@ void CAudioProcessConnection::setLines(std::span<const CAudioLineInfo> sourceLin
         line.sourceIndex = static_cast<int>(i);
         const std::size_t place = lines.size() - 1;
         isChanged = isChanged || place >= m_lines.size() || !(m_lines[place].info == info);
-        for (CLine& old : m_lines) {
-            if (old.isKnown && old.info.channel == info.channel && old.info.port == info.port &&
-                old.info.sampleRate == info.sampleRate) {
-                line.delay = std::move(old.delay);
-                line.isKnown = std::exchange(old.isKnown, false);
-                break;
-            }
-        }
     }
     isChanged = isChanged || lines.size() != m_lines.size();
+    handOver(lines, EMatch::sameOrigin);
+    handOver(lines, EMatch::sameChannel);
     m_lines = std::move(lines);
     if (isChanged) {
         m_sink.noteChange();
+    }
+}
+
+void CAudioProcessConnection::handOver(CArray<CLine>& lines, EMatch match)
+{
+    const auto isHeir = [match](const CAudioLineInfo& a, const CAudioLineInfo& b) {
+        return a.channel == b.channel && a.port == b.port && a.sampleRate == b.sampleRate &&
+               (match == EMatch::sameChannel || a.origin == b.origin);
+    };
+    for (CLine& line : lines) {
+        for (CLine& old : m_lines) {
+            if (!line.isKnown && old.isKnown && isHeir(line.info, old.info)) {
+                line.delay = std::move(old.delay);
+                line.isKnown = std::exchange(old.isKnown, false);
+            }
+        }
     }
 }
 

@@ -65,6 +65,12 @@ public:
     void reset();
 
 private:
+    enum class EMatch { sameOrigin, sameChannel };
+
+    /// Gives the delays of the present lines to those that go on from them. A line that stays comes before one that
+    /// merely has the channel of a line that goes.
+    void handOver(CArray<CLine>& lines, EMatch match);
+
     CAudioLineSource& m_source;
     CAudioLineSink& m_sink;
     int m_sourcePort;

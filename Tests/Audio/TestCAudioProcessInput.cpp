@@ -117,6 +117,29 @@ TEST(CAudioProcessInput, ADelayOutlivesAFlipThatDoesNotConcernIt)
     }
 }
 
+TEST(CAudioProcessInput, ADelayStaysWithItsLineWhenAnotherOfItsChannelJoins)
+{
+    // Two lines of channel 0 leave "inner" and wait for the late one; the one that comes and goes stands first.
+    const std::string inner = "<audio:process-def name='inner'>"
+                              "<audio:process-bypass-state name='s' id='1' param='^flip' value='0'/>" +
+                              probeXml("x", "^^zero", "bypass-state-id='1'") +
+                              "<audio:modDelay name='y' latency='50' is-latency-positive='true'/>" + link("*", "x") +
+                              link("x", "*") + link("*", "y") + link("y", "*") + "</audio:process-def>";
+    CGraphRig rig(paramXml("flip", "0") + paramXml("zero", "0") + paramXml("one", "1") +
+                      "<audio:modDelay name='late' latency='100' is-latency-positive='true'/>" + inner +
+                      probeXml("sum", "^one") + link("*", "late") + link("late", "sum") + link("*", "inner") +
+                      link("inner", "sum") + link("sum", "*"),
+                  "");
+    rig.input = [](int, int sample) { return static_cast<double>(sample); };
+    (void)rig.run(1000);
+    for (int round = 0; round < 4; ++round) {
+        rig.set("flip", round % 2 == 0 ? 1.0 : 0.0);
+        const auto out = rig.run(1000)[0];
+        for (int i = 0; i < 1000; ++i)
+            ASSERT_NEAR(out[static_cast<std::size_t>(i)], 2.0 * (1000 * (round + 1) + i - 100), 1e-9) << i;
+    }
+}
+
 TEST(CAudioProcessInput, ASampleRateChangeReconfiguresWithoutCrossingOver)
 {
     CGraphRig rig(detour("20"), "");
