@@ -18,6 +18,7 @@
 #include "Platform/Clock.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace qrb {
 
@@ -38,6 +39,7 @@ void prefillAllocator()
     constexpr std::size_t kCount = 64;
     for (std::size_t size = 16; size <= kLargest; size += 16)
         CQrbMemAllocator::prefill(size, kCount);
+    CQrbMemAllocator::prefill(sizeof(CAudioProcessPort), kCount); // the one large thing that every node has
 }
 
 } // namespace
@@ -216,7 +218,8 @@ void CAudioWrapper::updateOversamplingMode()
     if (m_isOffline) {
         const double rate = m_env->sampleRate();
         const int shift = rate < kLowRateEnd ? 1 : rate >= kHighRateBegin ? -1 : 0;
-        mode = std::clamp(m_oversamplingLevel + shift, 0, kMaxOversamplingMode);
+        mode =
+            std::clamp(std::clamp(m_oversamplingLevel, -1, kMaxOversamplingMode + 1) + shift, 0, kMaxOversamplingMode);
     }
     if (mode == m_oversamplingMode)
         return;
@@ -226,7 +229,7 @@ void CAudioWrapper::updateOversamplingMode()
 
 void CAudioWrapper::setHostBPM(double bpm)
 {
-    if (!m_project.useHostBPM || bpm == m_hostBPM)
+    if (!m_project.useHostBPM || bpm == m_hostBPM || !std::isfinite(bpm))
         return;
     m_hostBPM = bpm;
     m_hostBPMParam.set(bpm);
@@ -252,6 +255,8 @@ int CAudioWrapper::getLatencySamples()
 {
     if (m_isLatencyChangePending.exchange(false))
         m_hostLatencyChange.set(0.0);
+    if (m_isLatencyChangePending.load()) // changed again meanwhile: that must not be taken for seen
+        m_hostLatencyChange.set(1.0);
     return m_env->latency();
 }
 

@@ -16,7 +16,9 @@ void CHostParam::flush()
 {
     if (m_param == nullptr || !m_isPending.exchange(false))
         return;
-    if (!m_param->trySetElement(0, 0, m_value.load()))
+    const double value = m_value.load();
+    // Another thread may have set, and written, a newer value meanwhile; then the older one must not stay.
+    if (!m_param->trySetElement(0, 0, value) || m_value.load() != value)
         m_isPending.store(true);
 }
 
