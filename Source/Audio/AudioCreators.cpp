@@ -23,10 +23,17 @@
 #include "Audio/Filters/CAudioFilterFIRLPGen.h"
 #include "Audio/Filters/CAudioFilterGenArray.h"
 #include "Audio/Filters/CAudioFilterGenArrayItem.h"
+#include "Audio/Filters/CAudioFilterHBFGen.h"
+#include "Audio/Filters/CAudioFilterLPHP1Gen.h"
+#include "Audio/Filters/CAudioFilterMagnusGen.h"
+#include "Audio/Filters/CAudioFilterRBJGen.h"
+#include "Audio/Filters/CAudioFilterSerialGen.h"
+#include "Audio/Filters/CAudioFilterSerialGenItem.h"
 #include "Audio/Processes/CModAbs.h"
 #include "Audio/Processes/CModBypass.h"
 #include "Audio/Processes/CModDelay.h"
 #include "Audio/Processes/CModDenormNoise.h"
+#include "Audio/Processes/CModFilterIIR.h"
 #include "Audio/Processes/CModGain.h"
 #include "Audio/Processes/CModLatencyUniformer.h"
 #include "Audio/Processes/CModLeveler.h"
@@ -60,10 +67,17 @@ std::span<const CCreatorRow> audioCreators()
         creatorRow<CAudioFilterGenArrayItem>("audio:fltgen-array-item"),
         creatorRow<CAudioFilterBypassGen>("audio:fltgen-bypass"),
         creatorRow<CAudioFilterFIRLPGen>("audio:fltgen-firlp"),
+        creatorRow<CAudioFilterHBFGen>("audio:fltgen-hbf"),
+        creatorRow<CAudioFilterLPHP1Gen>("audio:fltgen-lphp1"),
+        creatorRow<CAudioFilterMagnusGen>("audio:fltgen-magnus"),
+        creatorRow<CAudioFilterRBJGen>("audio:fltgen-rbj"),
+        creatorRow<CAudioFilterSerialGen>("audio:fltgen-serial"),
+        creatorRow<CAudioFilterSerialGenItem>("audio:fltgen-serial-item"),
         creatorRow<CModAbsDef>("audio:modAbs"),
         creatorRow<CModBypassDef>("audio:modBypass"),
         creatorRow<CModDelayDef>("audio:modDelay"),
         creatorRow<CModDenormNoiseDef>("audio:modDenormNoise"),
+        creatorRow<CModFilterIIRDef>("audio:modFilterIIR"),
         creatorRow<CModGainDef>("audio:modGain"),
         creatorRow<CModLatencyUniformerDef>("audio:modLatencyUniformer"),
         creatorRow<CModLevelerDef>("audio:modLeveler"),

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Audio/Filters/CDCDAWContextWorkspace.h"
 #include "Core/CObject.h"
+#include "Core/CQrbStdAllocator.h"
 #include "Platform/CRecursiveLock.h"
 
 #include <atomic>
+#include <memory>
 
 namespace qrb {
 
@@ -31,6 +34,16 @@ public:
     [[nodiscard]] double timeOfNextBlock() const { return m_timeOfNextBlock.load(std::memory_order_relaxed); }
     void setTimeOfNextBlock(double seconds) { m_timeOfNextBlock.store(seconds, std::memory_order_relaxed); }
 
+    /// The workspace of a class, under its key; made on first use. T has a `kContextKey` of its own. Thread: audio.
+    template <class T>
+    [[nodiscard]] T& workspace()
+    {
+        auto& held = m_workspaces[T::kContextKey];
+        if (held == nullptr)
+            held = std::make_unique<T>();
+        return static_cast<T&>(*held);
+    }
+
     /// Frames a second of the exchange of visualisation data: what editors ask for, and the copy that the audio side
     /// works with. Guarded by the lock.
     double vizUpdateRate = 30.0;
@@ -43,6 +56,7 @@ private:
     std::atomic<std::int32_t> m_latency{0};
     std::atomic<double> m_timeNow{0.0};
     std::atomic<double> m_timeOfNextBlock{0.0};
+    CMap<int, std::unique_ptr<CDCDAWContextWorkspace>> m_workspaces; ///< by key
 };
 
 } // namespace qrb

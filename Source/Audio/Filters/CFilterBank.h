@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Audio/Filters/CAudioFilterStageList.h"
+
+#include <cstddef>
+
+namespace qrb {
+
+/// Recursive stages in series at run time, for one or more lines that share the coefficients. Stages of taps are left
+/// out. Thread: audio; apply() allocates when stages or lines are new, run() never does.
+class CFilterBank {
+public:
+    /// Drops all stages.
+    void clear() { m_stages.clear(); }
+    /// Drops all stages where the number differs.
+    void setLineCount(std::size_t count);
+    /// Takes a design over. A stage of the kind that runs in its place fades to its new coefficients and keeps its
+    /// signal; others start at rest, and what the design no longer has is dropped.
+    void apply(const CAudioFilterStageList& list, double sampleRate);
+    /// Clears signals and drops fades; a stage then stands at the last coefficients it was given.
+    void reset();
+    [[nodiscard]] bool empty() const { return m_stages.empty(); }
+
+    /// One buffer a line; outputs may be the inputs. Not for an empty bank.
+    void run(const double* const* in, double* const* out, std::size_t length);
+
+private:
+    /// One stage of all lines.
+    struct CStage {
+        const CDCDAWFilterKind* kind = nullptr;
+        double sampleRate = 0.0;
+        CArray<double, 6> coefficients; ///< feed-forward, then feedback
+        CArray<double, 0> memory;       ///< states, line after line, each from an even place on
+        std::size_t stride = 0;         ///< doubles from one line's state to the next
+        CArray<void*, 2> states;
+
+        void init();
+        [[nodiscard]] bool isFading() const;
+    };
+
+    CArray<CStage, 2> m_stages;
+    CArray<void*, 16> m_series; ///< states of the stages that run together
+    std::size_t m_lineCount = 1;
+};
+
+} // namespace qrb

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Audio/CAudioProcessTerminal.h"
+#include "Audio/Filters/CAudioFilterParams.h"
+#include "Audio/Filters/CFilterBank.h"
+#include "Audio/Processes/CModDef.h"
+
+namespace qrb {
+
+class CAudioFilterGen;
+class CAudioFilterGenArray;
+
+/// Recursive filter by a designer of an array. The parameter at index 0 picks the designer; the others are handed to
+/// it under the names of their allocations.
+///
+/// New values of a running filter fade inside its stages. A change of designer starts from rest and relies on the
+/// crossfade of the node. Where the design has no stage the signal passes, by reference. A node that `is-terminal-whole`
+/// runs its lines side by side; they then share the parameters of its group.
+class CModFilterIIRModule : public CAudioModule {
+public:
+    void regParams() override;
+    void start() override;
+    void reset() override;
+    void update() override;
+    void process() override;
+
+private:
+    struct CNamedParam {
+        CAudioParamSlot slot;
+        std::size_t place = 0; ///< of its value in m_params
+    };
+
+    [[nodiscard]] bool isComplete() const;
+    [[nodiscard]] bool pickDesigner();
+    [[nodiscard]] bool takeValues();
+    void redesign();
+
+    CAudioParamSlot m_indexSlot;
+    CArray<CNamedParam, 4> m_named;
+    const CAudioFilterGenArray* m_array = nullptr;
+    const CAudioFilterGen* m_designer = nullptr;
+    int m_index = 0;
+    CAudioFilterParams m_params; ///< the values the running stages were designed with
+    CAudioFilterStageList m_design;
+    CFilterBank m_bank;
+    CArray<const double*, 2> m_inputs;
+    CArray<double*, 2> m_buffers;
+    bool m_isRebuildDue = true;
+};
+
+class CModFilterIIR : public CAudioProcessTerminal<CModFilterIIRModule> {};
+
+class CModFilterIIRDef : public CModDef<CModFilterIIR> {};
+
+} // namespace qrb
