@@ -32,6 +32,16 @@ bool CFilterBank::CStage::isFading() const
     return isFilterFading(kind->id, states[0]);
 }
 
+void CFilterBank::CStage::runAlone(const double* const* in, double* const* out, std::size_t length) const
+{
+    const bool isBiquad = kind->id >= EFilterKind::biquad && kind->id <= EFilterKind::biquadNotch;
+    std::size_t line = 0;
+    for (; isBiquad && line + 2 <= states.size(); line += 2)
+        runBiquadPair(kind->id, states.data() + line, in + line, out + line, length);
+    for (; line < states.size(); ++line)
+        kind->run.function(states[line], in[line], out[line], length);
+}
+
 void CFilterBank::setLineCount(std::size_t count)
 {
     if (count != m_lineCount)
@@ -89,8 +99,7 @@ void CFilterBank::run(const double* const* in, double* const* out, std::size_t l
         const CStage& stage = m_stages[first];
         std::size_t end = first + 1;
         if (stage.isFading()) {
-            for (std::size_t line = 0; line < m_lineCount; ++line)
-                stage.kind->run.function(stage.states[line], source[line], out[line], length);
+            stage.runAlone(source, out, length);
         } else {
             while (end < m_stages.size() && m_stages[end].kind->id == stage.kind->id && !m_stages[end].isFading())
                 ++end;

@@ -37,6 +37,7 @@ private:
 
         void init();
         [[nodiscard]] bool isFading() const;
+        void runAlone(const double* const* in, double* const* out, std::size_t length) const;
     };
 
     CArray<CStage, 2> m_stages;

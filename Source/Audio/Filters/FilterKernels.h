@@ -14,6 +14,9 @@ void initBiquad(void* state, const double* coefficients, double sampleRate);
 void updateBiquad(void* state, const double* coefficients, double sampleRate);
 template <EFilterKind Shape>
 void runBiquad(void* state, const double* in, double* out, std::size_t count);
+/// The same for two lines side by side, whose fades stand alike.
+void runBiquadPair(EFilterKind shape, void* const* states, const double* const* in, double* const* out,
+                   std::size_t count);
 
 /// Coefficients b0, b1, a1 of a one-pole smoother, or of what it leaves of the signal times a gain.
 void initFirstOrder(void* state, const double* coefficients, double sampleRate);
