@@ -28,6 +28,9 @@ void CAudioParam::bindInfo(const CAudioParamInfo& info, const void* source, cons
     if (isBoundLike(info))
         return;
     m_info.store(&info, std::memory_order_release);
+    // Another shape empties the audio storage, and its room goes with that.
+    m_sentCells.clear();
+    m_sentGroups = 1;
     // The registry that `registryPath` names is bound here once registries are there.
     for (std::int32_t group = 0; group < std::max(1, info.defaults.groupCount()); ++group) {
         CAudioParamUpdate record = info.defaults.wholeGroup(group, group == 0 ? kAudioParamTemplateGroup : group);

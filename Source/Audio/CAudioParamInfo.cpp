@@ -122,6 +122,9 @@ CErrorPtr CAudioParamInfo::load(CInputStream& in)
     }
     loaded.defaults.setFormat(loaded.format);
     QRB_TRY(loaded.defaults.load(in));
+    for (std::int32_t group = 0; group < loaded.defaults.groupCount(); ++group)
+        if (!std::ranges::all_of(loaded.defaults.cells(group), [](double v) { return std::isfinite(v); }))
+            return QRB_ERROR("@qrbstr_CAudioParamInfo_load_Defaults Invalid default values of a parameter.");
     loaded.defaults.adoptDefaults();
     *this = std::move(loaded);
     return {};

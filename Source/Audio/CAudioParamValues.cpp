@@ -123,7 +123,9 @@ void CAudioParam::resetValues(std::int32_t group, std::int32_t element, EResetFr
         for (std::int32_t g = 0; g < groups; ++g)
             replaceGroup(g, m_reset, g, guard, nullptr, route);
     } else if (element < 0) {
-        replaceGroup(group, m_reset, from == EResetFrom::firstElement ? 0 : group, guard, nullptr, route);
+        // The template stands for group 0; a group of its own it has none, and without defaults nothing could be filled.
+        const bool isFirst = from == EResetFrom::firstElement || group == kAudioParamTemplateGroup;
+        replaceGroup(group, m_reset, isFirst ? 0 : group, guard, nullptr, route);
     } else {
         resetElement(group, element, from, guard, route);
     }

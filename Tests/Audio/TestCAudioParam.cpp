@@ -104,6 +104,8 @@ TEST(CAudioParam, ResetReturnsToResetValues)
     EXPECT_EQ(cells(2), (std::vector<double>{7, 7, 7, 7, 1}));
     param.resetValues(4, 2);
     EXPECT_EQ(cells(4), (std::vector<double>{1, 2, 3}));
+    param.resetValues(kAudioParamTemplateGroup, -1);
+    EXPECT_EQ(param.value(7, 1), 2.0) << "the default elements stay";
     param.resetValues(-1, -1);
     EXPECT_EQ(cells(0), (std::vector<double>{1, 2, 3}));
     EXPECT_EQ(cells(1), (std::vector<double>{4}));

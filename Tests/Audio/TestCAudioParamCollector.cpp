@@ -186,6 +186,14 @@ TEST(CAudioParamCollector, ApplyingChangesOfOthersAllocatesNothing)
         world.collector.flushQueue();
         EXPECT_EQ(CQrbMemAllocator::allocateCount(), before) << round;
     }
+    // Another shape begins with no room at all.
+    list.bindInfo(world.info("pair"));
+    world.collector.flushQueue();
+    list.setElement(20, 5, std::vector<double>{1.0, 2.0});
+    const std::uint64_t before = CQrbMemAllocator::allocateCount();
+    world.collector.flushQueue();
+    EXPECT_EQ(CQrbMemAllocator::allocateCount(), before);
+    EXPECT_EQ(list.audioStorage().value(20, 5, 1), 2.0);
 }
 
 TEST(CAudioParamCollector, TheAudioThreadDoesNotWaitForABusyParameter)

@@ -5,6 +5,7 @@
 #include "Core/CMemoryReaderStatic.h"
 #include "Tests/Audio/AudioParamWorld.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace qrb {
@@ -99,6 +100,10 @@ TEST(CAudioParamDef, ItsDescriptionIsReadBackFromBytes)
     EXPECT_EQ(bytesOf(read), expected.data);
     EXPECT_EQ(read.components[0].converter, world.info("list").components[0].converter);
     EXPECT_EQ(numbers(read.defaultCells()), (std::vector<double>{1, 2, 3}));
+    auto broken = expected.data;
+    std::fill(broken.end() - 8, broken.end(), std::uint8_t{0xFF});
+    CMemoryReaderStatic noNumber(broken);
+    EXPECT_TRUE(bool(read.load(noNumber))) << "a default has to be a number";
     expected.data[0] = 2;
     CMemoryReaderStatic other(expected.data);
     EXPECT_EQ(errorText(read.load(other)).find("Unsupported data set version 2."), 0u);
