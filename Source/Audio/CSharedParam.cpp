@@ -72,7 +72,7 @@ void CSharedParam::start()
         m_defaultText = defaults.text(0, 0);
     else if (info.format.type == EAudioParamType::number)
         info.components[0].converter->formatValue(m_defaultText, info, 0, info.defaultValue(0, 0), nullptr,
-                                                  EValueStyle::exact);
+                                                  EValueStyle::normal);
     attach(&m_param.collector(), CAudioParamCollector::listenerKey(m_param));
     m_dataListener.attach(&m_store, m_dataName);
     load();
@@ -120,7 +120,7 @@ CString CSharedParam::numberText() const
 {
     const CAudioParamInfo& info = *m_param.info();
     CString text;
-    info.components[0].converter->formatValue(text, info, 0, m_param.value(), nullptr, EValueStyle::exact);
+    info.components[0].converter->formatValue(text, info, 0, m_param.value(), nullptr, EValueStyle::normal);
     return text;
 }
 

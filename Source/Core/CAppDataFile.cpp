@@ -33,12 +33,17 @@ void remove(const CString& path)
     static_cast<void>(platform::removeFile(pathToBytes(path)));
 }
 
+/// A file beyond this is none that a block was written to: a chunk of the largest size packs to less.
+constexpr std::uint64_t kMaxFileBytes = 80u << 20;
+
 CErrorPtr readWhole(const CString& path, CByteArray& out)
 {
     CFileReader reader;
     QRB_TRY(reader.open(path));
     std::uint64_t size = 0;
     QRB_TRY(reader.getSize(size));
+    if (size > kMaxFileBytes)
+        return QRB_ERROR("@qrbstr_CAppDataFile_readWhole_Size The file '%1' is too large for a block of data.", path);
     return reader.readBytes(out, size);
 }
 

@@ -168,14 +168,14 @@ private:
     [[nodiscard]] static T* newRoom(std::size_t capacity)
     {
         // A count that overflows asks for everything, which the allocator refuses by ending the process.
-        const bool fits = capacity <= static_cast<std::size_t>(-1) / sizeof(T);
-        return static_cast<T*>(CQrbMemAllocator::allocate(fits ? capacity * sizeof(T) : static_cast<std::size_t>(-1)));
+        const bool fits = capacity <= static_cast<std::size_t>(-1) / kItemSize;
+        return static_cast<T*>(CQrbMemAllocator::allocate(fits ? capacity * kItemSize : static_cast<std::size_t>(-1)));
     }
     void moveTo(T* room, std::size_t capacity)
     {
         if constexpr (std::is_trivially_copyable_v<T>) {
             if (m_count != 0) {
-                std::memcpy(static_cast<void*>(room), m_items, m_count * sizeof(T));
+                std::memcpy(static_cast<void*>(room), m_items, m_count * kItemSize);
             }
         } else {
             std::uninitialized_move_n(m_items, m_count, room);
@@ -235,10 +235,13 @@ private:
         }
     }
 
+    // Items may be pointers, of which this is meant to be the size.
+    static constexpr std::size_t kItemSize = sizeof(T); // NOLINT(bugprone-sizeof-expression)
+
     std::size_t m_count = 0;
     std::size_t m_capacity = Inline;
     T* m_items = inlineRoom();
-    alignas(T) std::byte m_inline[Inline == 0 ? 1 : Inline * sizeof(T)];
+    alignas(T) std::byte m_inline[Inline == 0 ? 1 : Inline * kItemSize];
 };
 
 /// Bytes of a stream, a chunk or a message.
