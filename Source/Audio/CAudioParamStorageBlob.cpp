@@ -95,7 +95,9 @@ CErrorPtr CAudioParamStorage::loadGroup(CInputStream& in, CCells& cells, CAudioP
     for (double& key : cells) {
         const CAudioParamDataItem* const item = items.find(audioParamKey(key));
         const bool isUsable = item != nullptr && item->getType() == m_format.type;
-        key = m_data.addCopy(isUsable ? &items : nullptr, audioParamKey(key), m_format.type);
+        // Moved, not copied: a key belongs to one cell, and a large item named by many would take more memory than the
+        // data justifies.
+        key = isUsable ? m_data.adopt(items, audioParamKey(key)) : m_data.addCopy(nullptr, 0, m_format.type);
     }
     return {};
 }
