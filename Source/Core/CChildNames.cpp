@@ -10,6 +10,7 @@ namespace qrb {
 namespace {
 
 constexpr std::size_t kMaxIndexDigits = 9;
+constexpr std::uint32_t kMaxIndex = 999'999'999;
 
 /// Decimal digits from `from` to the end of the text.
 bool readIndex(const CString& text, std::size_t from, std::uint32_t& index)
@@ -47,8 +48,14 @@ CString CChildNames::add(const CString& name, CObject& child)
     auto place = std::partition_point(indexed.begin(), indexed.end(),
                                       [index](const CIndexed& each) { return each.index < index; });
     if (place != indexed.end() && place->index == index) {
-        index = indexed.back().index + 1;
-        place = indexed.end();
+        if (indexed.back().index < kMaxIndex) {
+            index = indexed.back().index + 1;
+            place = indexed.end();
+        } else { // a higher one could not be read back from the name
+            index = 0;
+            for (place = indexed.begin(); place->index == index; ++place)
+                ++index;
+        }
     }
     indexed.insertAt(static_cast<std::size_t>(place - indexed.begin()), {index, &child});
     if (index != 0) {

@@ -67,7 +67,8 @@ CErrorPtr CObject::onChildAdded(CObject&)
 
 void CObject::removeChild(CObject& child)
 {
-    const CString name = child.getName();
+    // The whole of what it was entered under: a name with a "." in it is more than what stands behind the last one.
+    const CString entered = child.fullName().substr(fullName().empty() ? 0 : fullName().length() + 1);
     // Trees are taken down from the last child to the first, so the search begins at the end.
     for (std::size_t index = m_childs.size(); index-- > 0;) {
         if (m_childs[index] == &child) {
@@ -75,9 +76,9 @@ void CObject::removeChild(CObject& child)
             break;
         }
     }
-    m_childNames.remove(name, child);
+    m_childNames.remove(entered, child);
     if (child.m_templateRecord != nullptr) {
-        const auto found = m_templates.find(name);
+        const auto found = m_templates.find(child.getName());
         if (found != m_templates.end() && found->second == &child)
             m_templates.erase(found);
     }

@@ -97,6 +97,21 @@ TEST(CObject, ChildrenOfOneNameGetIndices)
     EXPECT_EQ(n("x"), "1");
 }
 
+TEST(CObject, ChildrenWithOddNamesAreForgottenToo)
+{
+    CTestModule module;
+    CObject& root = module.loadRoot(R"(<root><p name="p"><a name="a.b"/></p><a name="a.b"/><a name="x#999999999"/>
+        <a name="x#999999999"/><a name="x#999999999"/></root>)");
+    CObject& p = CTestModule::find(root, "p");
+    EXPECT_EQ(root.findChild("x#1")->fullName(), "x#1"); // above the last index there is none
+    for (CObject* const holder : {&p, &root}) {
+        while (!holder->childs().empty() && holder->childs().back() != &p)
+            holder->childs().back()->release();
+        for (const char* const name : {"a.b", "x", "x#1", "x#999999999", "x#1000000000"})
+            EXPECT_EQ(holder->findChild(name), nullptr) << name;
+    }
+}
+
 TEST(CObject, PathsClimbAndRestart)
 {
     CTestModule module(R"(<root><audio name="audio"><f name="f"/></audio></root>)");
