@@ -12,6 +12,17 @@
 
 namespace qrb {
 
+namespace {
+
+constexpr int kMaxAnswers = 8; // bound objects that answer each other without end
+
+bool isSame(const CObjectAttr& a, const CObjectAttr& b)
+{
+    return a.type() == b.type() && a.toDouble() == b.toDouble() && a.toString() == b.toString();
+}
+
+} // namespace
+
 CErrorPtr CObject::setAttr(const CString& name, const CString& value, ESetter setter)
 {
     if (m_isReadOnly || name.empty())
@@ -127,7 +138,14 @@ CErrorPtr CObject::notifyBound(std::size_t index)
     if (m_attrs[index].isNotifying)
         return {};
     m_attrs[index].isNotifying = true;
-    CErrorPtr error = m_bindings->notify(*this, m_attrs[index].name, CObjectAttr(m_attrs[index].value));
+    CErrorPtr error;
+    // One that is told may set the attribute anew, to a limit, say; all are told of that, too.
+    for (int round = 0; round < kMaxAnswers && !error; ++round) {
+        const CObjectAttr told = m_attrs[index].value;
+        error = m_bindings->notify(*this, m_attrs[index].name, told);
+        if (isSame(told, m_attrs[index].value))
+            break;
+    }
     m_attrs[index].isNotifying = false;
     return error;
 }

@@ -18,6 +18,7 @@ public:
         info.attr<&CRecorder::setFirst>("first");
         info.attr<&CRecorder::setSecond>("second");
         info.attr<&CRecorder::setBad>("bad");
+        info.attr<&CRecorder::setLimited>("limited");
         info.def("is-on", "true");
         info.def("second", "from-class");
     }
@@ -35,6 +36,12 @@ public:
         return {};
     }
     CErrorPtr setBad(const CObjectAttr&) { return QRB_ERROR("@qrbstr_CRecorder_setBad Refused."); }
+    /// Holds the attribute that it follows at 5 at most.
+    CErrorPtr setLimited(const CObjectAttr& value)
+    {
+        CObject* const source = findObject("s");
+        return source != nullptr && value.toInt() > 5 ? source->setAttr("v", "5") : nullptr;
+    }
     [[nodiscard]] CErrorPtr init() override
     {
         QRB_TRY(CObject::init());
@@ -169,6 +176,15 @@ TEST(CObjectAttr, BindingsFollowTheirSource)
     local.release();
     EXPECT_FALSE(source.setAttr("v", "3"));
     source.release();
+}
+
+TEST(CObjectAttr, WhatABoundObjectAnswersReachesAll)
+{
+    CTestModule module("<root/>", kRows);
+    CObject& root = module.loadRoot(R"(<root><s name="s" v="1"/><test:recorder name="r" limited="{*/s v}"/>
+        <l name="l" a="{*/s v}"/></root>)");
+    EXPECT_FALSE(CTestModule::find(root, "s").setAttr("v", "9"));
+    EXPECT_EQ(attr(root, "s", "v") + attr(root, "r", "limited") + attr(root, "l", "a"), "555");
 }
 
 TEST(CObjectAttr, SharedObjectsAreReadOnlyOnceBuilt)
