@@ -9,7 +9,7 @@
 
 namespace qrb {
 
-/// What a load may still spend beyond what its bytes hold: texts that names and expansions build up.
+/// What a load may still spend beyond what its bytes hold: texts that names and expansions build up or go through.
 struct CLoadBudget {
     static constexpr std::size_t kStartChars = 32u * 1024u * 1024u;
 

@@ -157,8 +157,9 @@ CErrorPtr CObject::expandFromDocument(CDocumentCursor& cursor, const CTextRecord
         if (!text->hasBrace)
             return {};
     }
+    const std::size_t lengthBefore = text.text().length();
     QRB_TRY(CAttrExpansion(*this, name.text).expand(text));
-    return cursor.budget().spend(text.text().length()) ? CErrorPtr{} : damagedDocument();
+    return cursor.budget().spend(lengthBefore + text.text().length()) ? CErrorPtr{} : damagedDocument();
 }
 
 CErrorPtr CObject::loadChilds(CDocumentCursor& cursor)
@@ -188,8 +189,8 @@ CErrorPtr CObject::loadTemplateRecord(CDocumentCursor& cursor)
     const CTextRecord* classTag = nullptr;
     std::uint32_t size = 0;
     std::span<const std::uint8_t> payload;
-    // Only what was made to be a name with a payload can skip its init.
-    if (!(m_tag == "template") || !cursor.readString(classTag) || !cursor.read(size) ||
+    // Only what was made to be a name with a payload can skip its init, never an instance.
+    if (!(m_tag == "template") || m_template != nullptr || !cursor.readString(classTag) || !cursor.read(size) ||
         !cursor.readBytes(size, payload))
         return damagedDocument();
     std::unique_ptr<CObjectTemplateRecord> record(new CObjectTemplateRecord);

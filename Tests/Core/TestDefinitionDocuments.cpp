@@ -164,12 +164,33 @@ TEST(DefinitionDocuments, AmplifyingOnesAreRefused)
         xml += " a" + std::to_string(i) + "=\"{a" + std::to_string(i - 1) + "}{a" + std::to_string(i - 1) + "}\"";
     EXPECT_EQ(module.tryLoadRoot(xml + "/>", error), nullptr);
     EXPECT_NE(error.find("does not end"), std::string::npos) << error;
+    // Long texts that come to nothing, again and again.
+    EXPECT_EQ(module.tryLoadRoot("<root><doc:repeat count=\"1000\"><doc:attr name=\"a$(i)\" value=\"{@" +
+                                     std::string(40000, 'x') + "}\"/></doc:repeat></root>",
+                                 error),
+              nullptr);
+    EXPECT_NE(error.find("damaged"), std::string::npos) << error;
     // Objects inside objects, deeper than any product's: kind, no attributes, one child of tag "a" and name "a".
     std::vector<std::uint8_t> deep{1, 0, 0, 0, 6, 0, 0, 0, 4, 0, 0, 0, 'a', 0, 0, 0, 0, 0};
     for (int i = 0; i < 20000; ++i)
         deep.insert(deep.end(), {0, 0, 0, 1, 0, 0, 0, 0, 0});
     EXPECT_EQ(module.tryLoadRoot(deep, error), nullptr);
     EXPECT_NE(error.find("too deep"), std::string::npos) << error;
+}
+
+TEST(DefinitionDocuments, ATemplateInATemplatesPlaceIsRefused)
+{
+    CTestModule module;
+    std::vector<std::uint8_t> bytes =
+        compileDocument(R"(<root><template name="t" class="template" a="" b=""/></root>)");
+    // The payload's node becomes a stored template: u8 kind, two attributes of 4 bytes, two counts of 2.
+    bytes[bytes.size() - 13] = 1;
+    std::string error;
+    CObject* const root = module.tryLoadRoot(bytes, error);
+    ASSERT_NE(root, nullptr) << error;
+    CObject* made = nullptr;
+    EXPECT_NE(errorText(root->createChild(made, "t", "made", ERequireTemplate::yes)).find("damaged"),
+              std::string::npos);
 }
 
 TEST(DefinitionDocuments, ThreadsBuildTreesFromOneDocument)
