@@ -133,6 +133,9 @@ TEST(DocCompiler, faultsAreToldWithTheirPlaceAndNothingIsCompiled)
         {"", "malformed XML: No document element found"},
         {"<r/><s/>", "a.xml:1:5: a second root element"},
         {"<r>\xFF</r>", "a.xml:1:4: this byte is not UTF-8"},
+        {"<r>\n<x name='\xED\xA0\x80'/></r>", "a.xml:2:10: this byte is not UTF-8"},
+        {"<r a='&#00;'/>", "a.xml:1:7: there is no such character"},
+        {"<r a='&#x11FFFFFF;'/>", "a.xml:1:7: there is no such character"},
         {"<r name='x'/>", "a.xml:1:4: the root has no name"},
         {"<r>\n\t<x/></r>", "a.xml:2:2: 'x' has no name"},
         {"<r a='1'\n   a='2'/>", "a.xml:2:4: attribute 'a' is given twice"},
@@ -161,6 +164,12 @@ TEST(DocCompiler, faultsAreToldWithTheirPlaceAndNothingIsCompiled)
          "a.xml:1:27: 'x' has no name (used at a.xml:2:1)"},
         {"<r><doc:fragment name='f'><doc:use fragment='f'/></doc:fragment><doc:use fragment='f'/></r>",
          "nested deeper than 200 levels"},
+        {"<r><doc:fragment name='f' args='a'><doc:use fragment='f' a='$(a)$(a)'/></doc:fragment>"
+         "<doc:use fragment='f' a='long'/></r>",
+         "a.xml:1:58: the text is longer than 1000000 bytes"},
+        {"<r><doc:repeat count='1000000'><doc:repeat count='1000000'><doc:repeat count='1000000'/></doc:repeat>"
+         "</doc:repeat></r>",
+         "a.xml:1:60: more than 2000000 elements"},
         {"<r><doc:slot/></r>", "'doc:slot' outside of a fragment"},
     };
     for (const auto& [xml, message] : cases) {

@@ -11,7 +11,9 @@ namespace {
 
 constexpr std::string_view kAuthoringPrefix = "doc:";
 /// Far above any product; stops repeats in repeats.
-constexpr std::size_t kMaxNodes = 2'000'000;
+constexpr std::size_t kMaxElements = 2'000'000;
+/// The same for one value; stops a fragment that hands a growing argument to itself.
+constexpr std::size_t kMaxTextLength = 1'000'000;
 
 std::string_view trimmed(std::string_view text)
 {
@@ -58,6 +60,10 @@ std::string CExpander::substituted(std::string_view text, const Context& context
     std::string out;
     if (const std::string problem = substitute(text, lookup, out); !problem.empty())
         error(place, problem);
+    if (out.size() > kMaxTextLength) {
+        error(place, "the text is longer than " + std::to_string(kMaxTextLength) + " bytes");
+        out.clear();
+    }
     return out;
 }
 
@@ -88,6 +94,8 @@ void CExpander::expandElement(pugi::xml_node element, const Context& outer, Targ
     Context context = outer;
     if (++context.depth > kMaxDepth)
         return error(context.file->place(element), "nested deeper than " + std::to_string(kMaxDepth) + " levels");
+    if (++m_elementCount > kMaxElements)
+        return error(context.file->place(element), "more than " + std::to_string(kMaxElements) + " elements");
     const std::string_view tag = element.name();
     if (!tag.starts_with(kAuthoringPrefix) || tag == "doc:element")
         return expandObject(element, context, target);
@@ -116,8 +124,6 @@ void CExpander::expandElement(pugi::xml_node element, const Context& outer, Targ
 void CExpander::expandObject(pugi::xml_node element, const Context& context, Target& parent)
 {
     const SourcePlace place = context.file->place(element);
-    if (++m_nodeCount > kMaxNodes)
-        return error(place, "more than " + std::to_string(kMaxNodes) + " objects");
     if (parent.node.children.size() == kMaxCount)
         return error(place, "more than " + std::to_string(kMaxCount) + " children");
     DocumentNode& node = parent.node.children.emplace_back();

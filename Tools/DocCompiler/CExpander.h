@@ -72,7 +72,7 @@ private:
     std::map<std::string, Fragment> m_fragments;
     std::vector<const CSourceFile*> m_openFiles; ///< Chain of includes, to find cycles.
     std::vector<SourcePlace> m_uses;             ///< Chain of fragment uses, told with every error.
-    std::size_t m_nodeCount = 0;
+    std::size_t m_elementCount = 0;              ///< Expanded so far, repeated ones each time.
 };
 
 } // namespace qrbdoc

@@ -104,7 +104,7 @@ void CExpander::repeat(pugi::xml_node element, const Context& context, Target& t
     Variables variables = *context.variables;
     Context inner = context;
     inner.variables = &variables;
-    for (long i = 0; i < count && !m_session.isGivenUp(); ++i) {
+    for (long i = 0; i < count && element.first_child() && !m_session.isGivenUp(); ++i) {
         variables[(*arguments)[1]] = std::to_string(from + i * step);
         expandChildren(element, inner, target);
     }

@@ -2,6 +2,8 @@
 #include "Tools/DocCompiler/CSourceFile.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cstdint>
 
 namespace qrbdoc {
 
@@ -26,7 +28,25 @@ std::size_t sequenceLength(const std::string& text, std::size_t at)
     for (std::size_t i = 1; i < length; ++i)
         if ((static_cast<unsigned char>(text[at + i]) & 0xC0) != 0x80)
             return 0;
-    return length;
+    // Longer than needed, half of a surrogate pair, or above the last character.
+    const auto second = static_cast<unsigned char>(length > 1 ? text[at + 1] : '\0');
+    const bool isWrong = (first == 0xE0 && second < 0xA0) || (first == 0xED && second > 0x9F) ||
+                         (first == 0xF0 && second < 0x90) || (first == 0xF4 && second > 0x8F);
+    return isWrong ? 0 : length;
+}
+
+/// False if "&#...;" at `text[at]` stands for what is no character; the parser would cut the value there or write bytes
+/// that are not UTF-8.
+bool isGoodReference(const std::string& text, std::size_t at)
+{
+    const bool isHex = text.compare(at, 3, "&#x") == 0;
+    const char* const end = text.data() + text.size();
+    const char* const digits = text.data() + at + (isHex ? 3 : 2);
+    std::uint32_t code = 0;
+    const auto [stop, problem] = std::from_chars(digits, end, code, isHex ? 16 : 10);
+    if (stop == digits || stop == end || *stop != ';')
+        return true; // no reference
+    return problem == std::errc() && code != 0 && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
 }
 
 } // namespace
@@ -55,14 +75,12 @@ bool CSourceFile::checkEncoding(Diagnostic& error) const
             error = diagnose(i, length == 0 ? "this byte is not UTF-8" : "a NUL byte in the text");
             return false;
         }
-        i += length;
-    }
-    // The parser would cut the value at the NUL without a word.
-    for (const char* reference : {"&#0;", "&#x0;"})
-        if (const std::size_t at = m_text.find(reference); at != std::string::npos) {
-            error = diagnose(at, "the character 0 cannot be part of a text");
+        if (m_text.compare(i, 2, "&#") == 0 && !isGoodReference(m_text, i)) {
+            error = diagnose(i, "there is no such character");
             return false;
         }
+        i += length;
+    }
     return true;
 }
 
