@@ -23,8 +23,9 @@ class CResourceStore;
 class CWorkerThreadPool;
 struct CTimerTable;
 namespace platform {
+class CRealFFTPool;
 class IFolders;
-}
+} // namespace platform
 
 /// Everything that exists once in a process, made by the first module entry and destroyed by the last exit, in the
 /// reverse order of the rows. An area adds its row here: a forward declaration above, the include in the .cpp file.
@@ -55,6 +56,7 @@ public:
     std::unique_ptr<CAppDataLocal> appDataLocal;
     std::unique_ptr<CTimerTable> timers;
     std::unique_ptr<CWorkerThreadPool> workers;
+    std::unique_ptr<platform::CRealFFTPool> fftPlans;
     CObject* sharedObject = nullptr; ///< root of the shared tree; released by CApplication::finalize
 };
 

@@ -36,9 +36,9 @@ public:
     void inverse(const double* packed, double* samples);
 
 private:
-    struct CPlans;
+    struct CWork;
+    std::unique_ptr<CWork> m_work;
     std::size_t m_size;
-    std::unique_ptr<CPlans> m_plans;
 };
 
 } // namespace qrb::platform

@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/Filters/CFilterFIR.h"
+#include "Core/CQrbMemAllocator.h"
+#include "Platform/CRealFFTPool.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numeric>
+#include <random>
+#include <vector>
+
+namespace qrb {
+namespace {
+
+using CSignal = std::vector<double>;
+
+CSignal noise(std::size_t count, unsigned seed)
+{
+    std::mt19937 generator(seed);
+    std::uniform_real_distribution<double> value(-1.0, 1.0);
+    CSignal samples(count);
+    for (double& sample : samples)
+        sample = value(generator);
+    return samples;
+}
+
+/// Full-scale output for full-scale noise.
+CSignal response(std::size_t count)
+{
+    CSignal taps = noise(count, 3);
+    for (double& tap : taps)
+        tap /= std::sqrt(static_cast<double>(count));
+    return taps;
+}
+
+/// The definition at one sample, where all samples before the first are like the first.
+double convolved(const CSignal& taps, const CSignal& in, std::ptrdiff_t n)
+{
+    double sum = 0.0;
+    for (std::size_t k = 0; k < taps.size(); ++k) {
+        const std::ptrdiff_t at = std::max<std::ptrdiff_t>(n - static_cast<std::ptrdiff_t>(k), 0);
+        sum += taps[k] * in[static_cast<std::size_t>(at)];
+    }
+    return sum;
+}
+
+/// Anything with process(in, out, count), in calls of uneven length; `largest` 0: in one.
+template <class T>
+CSignal run(T& filter, const CSignal& in, std::size_t largest)
+{
+    CSignal out(in.size());
+    std::size_t at = 0;
+    for (std::size_t turn = 1; at < in.size(); ++turn) {
+        const std::size_t count = largest == 0 ? in.size() : std::min(in.size() - at, turn * 7919 % largest + 1);
+        filter.process(in.data() + at, out.data() + at, count);
+        at += count;
+    }
+    return out;
+}
+
+/// Around the beginning, the ends of blocks and of the response, and in between.
+void expectConvolved(const CSignal& out, const CSignal& taps, const CSignal& in, std::size_t latency)
+{
+    const std::size_t step = out.size() / 24 + 1;
+    for (std::size_t n = 0; n < out.size(); n += n % step < 3 ? 1 : step - 3) {
+        const auto at = static_cast<std::ptrdiff_t>(n) - static_cast<std::ptrdiff_t>(latency);
+        ASSERT_NEAR(out[n], convolved(taps, in, at), 1e-12) << n;
+    }
+}
+
+class FilterFIR : public testing::Test {
+protected:
+    platform::CRealFFTPool m_plans;
+};
+
+TEST_F(FilterFIR, EqualsDirectConvolutionAtEveryLengthAndLatency)
+{
+    for (const std::size_t count : {1u, 15u, 16u, 17u, 64u, 65u, 127u, 129u, 300u, 1023u, 4099u, 16400u, 70000u}) {
+        const CSignal taps = response(count);
+        const CSignal in = noise(count + 20000, 5);
+        CFilterFIR filter;
+        filter.setZeroLatency(taps, m_plans);
+        SCOPED_TRACE(count);
+        expectConvolved(run(filter, in, 200), taps, in, 0);
+        for (int latency = 4; latency <= 14; ++latency) {
+            SCOPED_TRACE(latency);
+            filter.setPartitioned(taps, latency, m_plans);
+            expectConvolved(run(filter, in, 1000), taps, in, std::size_t{1} << latency);
+        }
+    }
+}
+
+TEST_F(FilterFIR, StartsAtTheSteadyLevelOfItsFirstSampleAndAgainAfterAReset)
+{
+    const CSignal taps = response(9000);
+    const double sum = std::accumulate(taps.begin(), taps.end(), 0.0);
+    const auto expectSteady = [&](CFilterFIR& filter, double level) {
+        for (const double sample : run(filter, CSignal(20000, level), 300))
+            ASSERT_NEAR(sample, level * sum, 1e-12);
+    };
+    CFilterFIR filter;
+    for (const bool isZeroLatency : {false, true}) {
+        if (isZeroLatency)
+            filter.setZeroLatency(taps, m_plans);
+        else
+            filter.setPartitioned(taps, 7, m_plans);
+        expectSteady(filter, 0.7);
+        (void)run(filter, noise(777, 1), 0);
+        filter.reset();
+        expectSteady(filter, -0.3);
+    }
+}
+
+TEST_F(FilterFIR, GivesTheSameBitsHoweverCallsAreCutAndAllocatesNothing)
+{
+    const CSignal taps = response(3000);
+    const CSignal in = noise(10000, 9);
+    CFilterFIR filter;
+    for (const bool isZeroLatency : {false, true}) {
+        if (isZeroLatency)
+            filter.setZeroLatency(taps, m_plans);
+        else
+            filter.setPartitioned(taps, 6, m_plans);
+        const CSignal whole = run(filter, in, 0);
+        for (const std::size_t largest : {1u, 37u, 600u}) {
+            filter.reset();
+            const std::uint64_t allocations = CQrbMemAllocator::allocateCount();
+            EXPECT_EQ(run(filter, in, largest), whole) << largest;
+            EXPECT_EQ(CQrbMemAllocator::allocateCount(), allocations);
+        }
+    }
+}
+
+TEST_F(FilterFIR, ReturnsToRestAfterTheLastTap)
+{
+    CFilterFIR filter;
+    filter.setZeroLatency(response(700), m_plans);
+    CSignal in = noise(4000, 2);
+    in.resize(8000);
+    const CSignal out = run(filter, in, 100);
+    // The transforms of silence are silent, once the longest block has passed.
+    EXPECT_EQ(CSignal(out.begin() + 6500, out.end()), CSignal(1500));
+}
+
+TEST_F(FilterFIR, WiderKernelsGiveTheBitsOfThePlainLoop)
+{
+    const CSignal taps = response(2500);
+    const CSignal in = noise(9001, 4);
+    const auto result = [&](const CConvolverKernels& kernels) {
+        CPartitionedConvolver convolver(taps, 5, m_plans, kernels);
+        CDirectHead head(std::span<const double>(taps).first(39), kernels);
+        CSignal out = run(convolver, in, 555);
+        for (std::size_t n = 0; n < in.size(); n += 31)
+            head.process(in.data() + n, out.data() + n, std::min<std::size_t>(31, in.size() - n), n % 2 == 0);
+        return out;
+    };
+    const CSignal plain = result(plainConvolverKernels());
+    EXPECT_EQ(result(pairConvolverKernels()), plain);
+    if (hasQuadConvolverKernels()) {
+        EXPECT_EQ(result(quadConvolverKernels()), plain);
+    }
+}
+
+} // namespace
+} // namespace qrb
