@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+// Logarithm, exponential and the gain curve over lanes of doubles. Included once for each vector width, inside a
+// namespace that defines:
+//   Lanes, Ints     kLanes doubles, and as many unsigned 64-bit integers (the plain types where kLanes is 1)
+//   rootOf(Lanes)   square root, correctly rounded
+// Each lane takes the same correctly rounded steps whatever the width, so all widths give the same bits. The functions
+// neither are nor call templates, which may be compiled outside the region whose target the including file sets.
+
+[[gnu::always_inline]] inline Lanes spread(double x)
+{
+    return x + Lanes{};
+}
+
+[[gnu::always_inline]] inline Lanes loadLanes(const double* from)
+{
+    Lanes lanes;
+    __builtin_memcpy(&lanes, from, sizeof(Lanes));
+    return lanes;
+}
+
+[[gnu::always_inline]] inline void storeLanes(double* to, Lanes lanes)
+{
+    __builtin_memcpy(to, &lanes, sizeof(Lanes));
+}
+
+/// The same for the end of a line, where less than kLanes numbers are left.
+[[gnu::always_inline]] inline Lanes loadPart(const double* from, std::size_t count)
+{
+    Lanes lanes{};
+    __builtin_memcpy(&lanes, from, count * sizeof(double));
+    return lanes;
+}
+
+[[gnu::always_inline]] inline void storePart(double* to, Lanes lanes, std::size_t count)
+{
+    __builtin_memcpy(to, &lanes, count * sizeof(double));
+}
+
+/// Natural logarithm, within 1 ulp. What is below the smallest normal number counts as 0 and gives minus infinity;
+/// infinity and what is no number count as the largest power of two.
+[[gnu::always_inline]] inline Lanes logOf(Lanes x)
+{
+    // x = m * 2^k, m from sqrt(1/2) to sqrt(2): moves the mantissa so that its carry into the exponent falls there.
+    const Ints bits = __builtin_bit_cast(Ints, x) + (0x3FF0000000000000 - 0x3FE6A09E667F3BCD);
+    constexpr double kExponentBase = 0x1p52 + 1023.0;
+    const Lanes k = __builtin_bit_cast(Lanes, (bits >> 52) | 0x4330000000000000) - kExponentBase;
+    const Lanes f = __builtin_bit_cast(Lanes, (bits & 0x000FFFFFFFFFFFFF) + 0x3FE6A09E667F3BCD) - 1.0;
+
+    // ln(1 + f) = 2 artanh(s) = f - s * (f - r) with s = f / (2 + f), the series of artanh beyond its first term in r.
+    const Lanes s = f / (f + 2.0);
+    const Lanes z = s * s;
+    const Lanes z2 = z * z;
+    const Lanes low = 0x1.5555555555558p-1 + z * 0x1.99999999952e2p-2;
+    const Lanes middle = 0x1.2492492df148dp-2 + z * 0x1.c71c62e5800a1p-3;
+    const Lanes high = (0x1.7462b4ab2ef6bp-3 + z * 0x1.39fe606542ddep-3) + z2 * 0x1.2b584aae78a57p-3;
+    const Lanes r = z * (low + z2 * (middle + z2 * high));
+    const Lanes half = f * f * 0.5;
+    // The first part of ln 2 has 42 bits, so that its product with k is exact.
+    const Lanes rest = half - (s * (half + r) + k * 0x1.ef35793c76730p-45);
+    const Lanes result = k * 0x1.62e42fefa3800p-1 - (rest - f);
+    return x < spread(0x1p-1022) ? spread(-__builtin_inf()) : result;
+}
+
+/// Exponential, within 1.2 ulp, of x up to 709. Below -708 the result is 0, never a denormal number.
+[[gnu::always_inline]] inline Lanes expOf(Lanes x)
+{
+    const Lanes clamped = x < spread(-708.0) ? spread(-708.0) : x;
+    // x = k * ln 2 + r; adding 1.5 * 2^52 rounds to an integer and leaves it in the low bits.
+    const Lanes shifted = clamped * 0x1.71547652b82fep+0 + 0x1.8p52;
+    const Lanes k = shifted - 0x1.8p52;
+    const Lanes r = (clamped - k * 0x1.62e42fefa3800p-1) - k * 0x1.ef35793c76730p-45;
+    const Lanes r2 = r * r;
+    const Lanes r4 = r2 * r2;
+    const Lanes p0 = 0.5 + r * 0x1.5555555555556p-3;
+    const Lanes p2 = 0x1.5555555553d37p-5 + r * 0x1.11111111109a6p-7;
+    const Lanes p4 = 0x1.6c16c1789d1d7p-10 + r * 0x1.a01a01a7cebcdp-13;
+    const Lanes p6 = 0x1.a019b8ca26fcfp-16 + r * 0x1.71de0d85293b8p-19;
+    const Lanes p8 = 0x1.2891d4ffbb0f9p-22 + r * 0x1.af390ba7e6f47p-26;
+    const Lanes p = (p0 + r2 * p2) + r4 * ((p4 + r2 * p6) + r4 * p8);
+    const Lanes mantissa = 1.0 + (r + r2 * p);
+    const Lanes result =
+        __builtin_bit_cast(Lanes, __builtin_bit_cast(Ints, mantissa) + (__builtin_bit_cast(Ints, shifted) << 52));
+    return x < spread(-708.0) ? spread(0.0) : result;
+}
+
+[[gnu::always_inline]] inline Lanes nepersOf(const CGainCurve& curve, double threshold, Lanes level, bool isDownward)
+{
+    const Lanes decibels = logOf(level) * kDecibelsPerNeper;
+    const Lanes over = isDownward ? threshold - decibels : decibels - threshold;
+    const Lanes along = over - curve.kneeStart;
+    const Lanes arc = curve.arcCentre + rootOf(curve.arcRadius2 - along * along);
+    const Lanes bent = over < spread(curve.kneeEnd) ? arc : over * curve.slope;
+    return (over > spread(curve.kneeStart) ? bent : spread(0.0)) * kNepersPerDecibel;
+}
+
+/// The block in two passes: the processor overlaps more samples of two short chains than of one long one.
+[[gnu::always_inline]] inline void runGain(const CGainCurve& curve, double threshold, const double* in, double* out,
+                                           std::size_t count, bool isDownward, bool isInverse)
+{
+    const std::size_t whole = count - count % kLanes;
+    for (std::size_t i = 0; i < whole; i += kLanes)
+        storeLanes(out + i, nepersOf(curve, threshold, loadLanes(in + i), isDownward));
+    for (std::size_t i = 0; i < whole; i += kLanes) {
+        const Lanes gain = expOf(loadLanes(out + i));
+        storeLanes(out + i, isInverse ? 1.0 / gain : gain);
+    }
+    if (whole == count)
+        return;
+    const Lanes gain = expOf(nepersOf(curve, threshold, loadPart(in + whole, count - whole), isDownward));
+    storePart(out + whole, isInverse ? 1.0 / gain : gain, count - whole);
+}
+
+void reduceAbove(const CGainCurve& curve, double threshold, const double* in, double* out, std::size_t count)
+{
+    runGain(curve, threshold, in, out, count, false, false);
+}
+
+void raiseAbove(const CGainCurve& curve, double threshold, const double* in, double* out, std::size_t count)
+{
+    runGain(curve, threshold, in, out, count, false, true);
+}
+
+void reduceBelow(const CGainCurve& curve, double threshold, const double* in, double* out, std::size_t count)
+{
+    runGain(curve, threshold, in, out, count, true, false);
+}
+
+void raiseBelow(const CGainCurve& curve, double threshold, const double* in, double* out, std::size_t count)
+{
+    runGain(curve, threshold, in, out, count, true, true);
+}
+
+void logLine(const double* in, double* out, std::size_t count)
+{
+    for (std::size_t i = 0; i < count; i += kLanes) {
+        const std::size_t part = count - i < kLanes ? count - i : kLanes;
+        storePart(out + i, logOf(loadPart(in + i, part)), part);
+    }
+}
+
+void expLine(const double* in, double* out, std::size_t count)
+{
+    for (std::size_t i = 0; i < count; i += kLanes) {
+        const std::size_t part = count - i < kLanes ? count - i : kLanes;
+        storePart(out + i, expOf(loadPart(in + i, part)), part);
+    }
+}
+
+constexpr CGainKernels kKernels{{{reduceAbove, raiseAbove}, {reduceBelow, raiseBelow}}, logLine, expLine};
