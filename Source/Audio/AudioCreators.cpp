@@ -30,7 +30,10 @@
 #include "Audio/Filters/CAudioFilterSerialGen.h"
 #include "Audio/Filters/CAudioFilterSerialGenItem.h"
 #include "Audio/Processes/CModAbs.h"
+#include "Audio/Processes/CModAlphaComp.h"
+#include "Audio/Processes/CModAlphaEnv.h"
 #include "Audio/Processes/CModBypass.h"
+#include "Audio/Processes/CModClip.h"
 #include "Audio/Processes/CModDelay.h"
 #include "Audio/Processes/CModDenormNoise.h"
 #include "Audio/Processes/CModFilterIIR.h"
@@ -47,6 +50,7 @@
 #include "Audio/Processes/CModRouter.h"
 #include "Audio/Processes/CModSidechain.h"
 #include "Audio/Processes/CModSidechainMute.h"
+#include "Audio/Processes/CModXOTube.h"
 
 namespace qrb {
 
@@ -74,7 +78,10 @@ std::span<const CCreatorRow> audioCreators()
         creatorRow<CAudioFilterSerialGen>("audio:fltgen-serial"),
         creatorRow<CAudioFilterSerialGenItem>("audio:fltgen-serial-item"),
         creatorRow<CModAbsDef>("audio:modAbs"),
+        creatorRow<CModAlphaCompDef>("audio:modAlphaComp"),
+        creatorRow<CModAlphaEnvDef>("audio:modAlphaEnv"),
         creatorRow<CModBypassDef>("audio:modBypass"),
+        creatorRow<CModClipDef>("audio:modClip"),
         creatorRow<CModDelayDef>("audio:modDelay"),
         creatorRow<CModDenormNoiseDef>("audio:modDenormNoise"),
         creatorRow<CModFilterIIRDef>("audio:modFilterIIR"),
@@ -91,6 +98,7 @@ std::span<const CCreatorRow> audioCreators()
         creatorRow<CModRouterDef>("audio:modRouter"),
         creatorRow<CModSidechainDef>("audio:modSidechain"),
         creatorRow<CModSidechainMuteDef>("audio:modSidechainMute"),
+        creatorRow<CModXOTubeDef>("audio:modXOTube"),
         creatorRow<CAudioParamDef>("audio:param"),
         creatorRow<CAudioParamAllocDef>("audio:param-alloc"),
         creatorRow<CAudioParamCollector>("audio:param-collector"),

@@ -6,11 +6,20 @@
 
 namespace qrb {
 
-/// Coefficient c of the smoother s += (x - s) * c whose power falls to one half at `frequency` (hertz).
+/// Coefficient c of the smoother s += (x - s) * c whose power falls to one half at `w` radians a sample.
+///
+/// With x = 2 - cos w it is 1 - x + sqrt(x^2 - 1), written so that a low corner keeps all its digits.
+[[nodiscard]] inline double onePoleCoefficient(double w)
+{
+    const double half = std::sin(0.5 * w);
+    const double excess = 2.0 * half * half;
+    return std::sqrt(excess * (excess + 2.0)) - excess;
+}
+
+/// The same for a corner in hertz.
 [[nodiscard]] inline double onePoleCoefficient(double frequency, double sampleRate)
 {
-    const double x = 2.0 - std::cos(2.0 * std::numbers::pi * frequency / sampleRate);
-    return 1.0 - x + std::sqrt(x * x - 1.0);
+    return onePoleCoefficient(2.0 * std::numbers::pi * frequency / sampleRate);
 }
 
 } // namespace qrb

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+
+namespace qrb {
+
+/// How far a follower's stage moves in a sample: all of its coefficient, scaled by the ratio of the smaller to the larger
+/// of input and state (slow for large differences), or by one less that ratio (slow near the target).
+enum class EFollowerMode { fast, normal, slow };
+
+struct CFollowerSettings {
+    double attack = 0.01;  ///< seconds
+    double release = 0.25; ///< seconds
+    EFollowerMode attackMode = EFollowerMode::normal;
+    EFollowerMode releaseMode = EFollowerMode::normal;
+    bool isInverse = false;  ///< follows a gain: falling is the attack
+    bool isFeedback = false; ///< follows the input's ratio to the last output
+    double minRate = 0.2;    ///< lower bound of what a mode scales by
+    double punch = 1.0;      ///< 0 to 1: how little the early, fast stages reach the output
+};
+
+/// Four one-pole stages in a row, each half as fast as the one before it; the output blends them.
+struct CFollower {
+    static constexpr int kStages = 4;
+
+    double attack[kStages];
+    double release[kStages];
+    /// A stage moves by offset + scale * ratio of its coefficient, `minRate` at least. Scales are -1, 0 or 1.
+    double attackOffset, attackScale;
+    double releaseOffset, releaseScale;
+    double minRate;
+    double weights[kStages]; ///< the last is 1
+    double norm;
+};
+
+struct CFollowerState {
+    double stages[CFollower::kStages];
+    double last; ///< blended stages of the last sample
+};
+
+[[nodiscard]] CFollower makeFollower(const CFollowerSettings& settings, double sampleRate);
+
+/// Where a follower starts: a gain at 1, a level at 0; with feedback at 1, since it divides by its own output.
+[[nodiscard]] CFollowerState restOfFollower(const CFollowerSettings& settings);
+
+/// What a loop works on: two lines side by side, since each waits for its own last sample most of the time. A single line
+/// stands in both places.
+struct CFollowerLines {
+    CFollowerState* states[2];
+    const double* in[2];
+    const double* opening[2]; ///< only read by loops that hold
+    double* out[2];           ///< may be the inputs
+};
+
+using FFollowerKernel = void (*)(const CFollower& follower, const CFollowerLines& lines, std::size_t count);
+
+/// The loop of these settings. With `isHolding` it follows a gain whatever `isInverse` says, and the first stage rises
+/// only while the second input is at or above it; otherwise it keeps its value.
+[[nodiscard]] FFollowerKernel followerKernel(bool isInverse, bool isFeedback, bool isHolding);
+
+} // namespace qrb

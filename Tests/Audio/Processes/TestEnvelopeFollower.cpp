@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/Processes/EnvelopeFollower.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <random>
+#include <tuple>
+#include <vector>
+
+namespace qrb {
+namespace {
+
+using CSignal = std::vector<double>;
+
+constexpr double kPi = std::numbers::pi;
+
+/// The follower in words: one branch a case, nothing prepared.
+class CSlowFollower {
+public:
+    CSlowFollower(const CFollowerSettings& settings, double sampleRate, bool isHolding)
+        : m_set(settings), m_sampleRate(sampleRate), m_isHolding(isHolding), m_isGain(settings.isInverse || isHolding),
+          m_y(settings.isInverse || settings.isFeedback ? 1.0 : 0.0)
+    {
+        for (double& s : m_s)
+            s = m_y;
+    }
+
+    double next(double x, double opening)
+    {
+        const double last = m_y;
+        if (m_set.isFeedback) {
+            const double divisor = m_isGain ? last : last + 1e-15;
+            x /= divisor;
+            opening /= divisor;
+        }
+        double in = x;
+        for (int i = 0; i < 4; ++i) {
+            double& s = m_s[i];
+            const bool isFalling = in <= s;
+            const bool isAttack = m_isGain ? isFalling : in >= s;
+            const bool isHeld = m_isHolding && i == 0 && !isAttack && opening < s;
+            const double top = std::max(in, s) + (isAttack ? 1e-15 : 0.0);
+            const double ratio = std::min(in, s) / top;
+            if (!isHeld)
+                s += (in - s) * std::max(scaled(ratio, isAttack), m_set.minRate) * coefficient(i, isAttack);
+            in = s;
+        }
+        double sum = m_s[3];
+        double count = 1.0;
+        for (int i = 0; i < 3; ++i) {
+            sum += m_s[i] * weight(i);
+            count += weight(i);
+        }
+        m_y = sum / count;
+        return m_set.isFeedback ? last * m_y : m_y;
+    }
+
+private:
+    [[nodiscard]] double scaled(double ratio, bool isAttack) const
+    {
+        const EFollowerMode mode = isAttack ? m_set.attackMode : m_set.releaseMode;
+        return mode == EFollowerMode::fast ? 1.0 : mode == EFollowerMode::normal ? ratio : 1.0 - ratio;
+    }
+
+    [[nodiscard]] double coefficient(int stage, bool isAttack) const
+    {
+        const EFollowerMode mode = isAttack ? m_set.attackMode : m_set.releaseMode;
+        const double time = (isAttack ? m_set.attack : m_set.release) * 0.5 * 0.25 * (1 << stage) *
+                            (m_set.isFeedback ? 2.0 : 1.0) * (mode == EFollowerMode::slow ? 0.5 : 1.0);
+        double w = 2.0 * kPi / (m_sampleRate * time);
+        const bool isBeyond = w > kPi;
+        if (isAttack && isBeyond)
+            w = kPi;
+        const double x = 2.0 - std::cos(w);
+        const double c = 1.0 - x + std::sqrt(x * x - 1.0);
+        return !isAttack && isBeyond ? std::max(c, 0.02) : c;
+    }
+
+    /// Stage i sounds fully between two steps of punch and fades in and out over one step around them.
+    [[nodiscard]] double weight(int i) const
+    {
+        const double p = 6.0 * m_set.punch - 0.5;
+        const double in = i == 0 ? 1.0 : std::clamp(p - (i - 1), 0.0, 1.0);
+        const double out = std::clamp(p - (i + 2), 0.0, 1.0);
+        return (0.5 - 0.5 * std::cos(in * kPi)) * (0.5 + 0.5 * std::cos(out * kPi));
+    }
+
+    CFollowerSettings m_set;
+    double m_sampleRate;
+    bool m_isHolding;
+    bool m_isGain;
+    double m_y;
+    double m_s[4] = {};
+};
+
+/// Steps, silence and slopes: levels from 0 to 2, or gains from 0.01 to 1.
+CSignal testSignal(unsigned seed, bool isGain, std::size_t count)
+{
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<double> uniform(0.0, 1.0);
+    CSignal signal;
+    while (signal.size() < count) {
+        const double from = uniform(random) < 0.2 ? 0.0 : 2.0 * std::pow(uniform(random), 4.0);
+        const double to = uniform(random) < 0.5 ? from : uniform(random);
+        for (int i = 0; i < 70; ++i)
+            signal.push_back(from + (to - from) * i / 70.0);
+    }
+    signal.resize(count);
+    if (isGain)
+        for (double& x : signal)
+            x = 0.01 + std::min(x, 0.99);
+    return signal;
+}
+
+CSignal runAlone(const CFollower& follower, FFollowerKernel run, CFollowerState state, const CSignal& in,
+                 const CSignal& opening)
+{
+    CSignal out(in.size());
+    run(follower,
+        {{&state, &state}, {in.data(), in.data()}, {opening.data(), opening.data()}, {out.data(), out.data()}},
+        in.size());
+    return out;
+}
+
+TEST(EnvelopeFollower, EqualsTheSlowModelInAllModesAndKernels)
+{
+    constexpr EFollowerMode kModes[] = {EFollowerMode::fast, EFollowerMode::normal, EFollowerMode::slow};
+    constexpr double kPunch[] = {0.0, 1.0 / 12.0, 0.2, 0.37, 0.5, 0.75, 0.9, 11.0 / 12.0, 1.0};
+    constexpr std::tuple<double, double, double> kTimes[] = {
+        {0.00001, 0.0003628, 44100.0}, {0.00008, 0.00125, 192000.0}, {0.02, 0.15, 48000.0}, {0.0005, 0.001, 384000.0}};
+    unsigned seed = 0;
+    for (const EFollowerMode attackMode : kModes)
+        for (const EFollowerMode releaseMode : kModes)
+            for (const auto& [attack, release, sampleRate] : kTimes)
+                for (const int kernel : {0, 1, 2, 3, 4, 5}) {
+                    const bool isHolding = kernel > 3;
+                    const bool isInverse = isHolding || kernel % 2 == 1;
+                    const bool isFeedback = kernel == 2 || kernel == 3 || kernel == 5;
+                    const CFollowerSettings settings{attack,
+                                                     release,
+                                                     attackMode,
+                                                     releaseMode,
+                                                     isInverse,
+                                                     isFeedback,
+                                                     seed % 5 == 0 ? 0.0 : 0.2,
+                                                     kPunch[seed % std::size(kPunch)]};
+                    const CSignal in = testSignal(++seed, isInverse, 2000);
+                    const CSignal opening = testSignal(seed + 1000, isInverse, 2000);
+                    const CSignal out =
+                        runAlone(makeFollower(settings, sampleRate), followerKernel(isInverse, isFeedback, isHolding),
+                                 restOfFollower(settings), in, opening);
+                    CSlowFollower slow(settings, sampleRate, isHolding);
+                    for (std::size_t i = 0; i < in.size(); ++i) {
+                        const double want = slow.next(in[i], opening[i]);
+                        ASSERT_NEAR(out[i], want, 1e-12 + 1e-10 * want) << "seed " << seed << " sample " << i;
+                    }
+                }
+}
+
+TEST(EnvelopeFollower, TwoLinesSideBySideAndCutsChangeNothing)
+{
+    for (const bool isFeedback : {false, true}) {
+        const CFollowerSettings settings{0.001, 0.01, EFollowerMode::slow, EFollowerMode::normal, true, isFeedback,
+                                         0.2,   0.6};
+        const CFollower follower = makeFollower(settings, 44100.0);
+        const FFollowerKernel run = followerKernel(true, isFeedback, true);
+        CSignal lines[2] = {testSignal(1, true, 500), testSignal(2, true, 500)};
+        const CSignal opening = testSignal(3, true, 500);
+        const CSignal want[2] = {runAlone(follower, run, restOfFollower(settings), lines[0], opening),
+                                 runAlone(follower, run, restOfFollower(settings), lines[1], opening)};
+        CFollowerState states[2] = {restOfFollower(settings), restOfFollower(settings)};
+        for (const auto& [start, count] : {std::pair<std::size_t, std::size_t>{0, 1}, {1, 332}, {333, 167}})
+            run(follower,
+                {{&states[0], &states[1]},
+                 {&lines[0][start], &lines[1][start]},
+                 {&opening[start], &opening[start]},
+                 {&lines[0][start], &lines[1][start]}},
+                count);
+        EXPECT_EQ(lines[0], want[0]) << "in place";
+        EXPECT_EQ(lines[1], want[1]);
+    }
+}
+
+TEST(EnvelopeFollower, AGateThatClosedOpensAtTheHigherThresholdOnlyAndIsNeverFrozen)
+{
+    for (const double release : {0.001, 0.0003628}) {
+        const CFollowerSettings settings{0.001, release, EFollowerMode::normal, EFollowerMode::slow, true, false,
+                                         0.2,   1.0};
+        const CFollower follower = makeFollower(settings, 44100.0);
+        const FFollowerKernel run = followerKernel(true, false, true);
+        CFollowerState state = restOfFollower(settings);
+        const auto settle = [&](double closing, double opening) {
+            CSignal in(20000, closing);
+            const CSignal z(in.size(), opening);
+            run(follower, {{&state, &state}, {in.data(), in.data()}, {z.data(), z.data()}, {in.data(), in.data()}},
+                in.size());
+            return in.back();
+        };
+        EXPECT_EQ(settle(1.0, 0.0), 1.0) << "open, the higher threshold does not matter";
+        EXPECT_NEAR(settle(0.1, 0.0), 0.1, 1e-3) << "below the lower threshold";
+        EXPECT_NEAR(settle(0.9, 0.05), 0.1, 1e-3) << "between the thresholds it holds";
+        EXPECT_NEAR(settle(1.0, 1.0), 1.0, 1e-3) << "above the higher threshold, release " << release;
+        EXPECT_NEAR(settle(0.6, 0.3), 0.6, 1e-3) << "falls again before it is held";
+    }
+}
+
+TEST(EnvelopeFollower, RestsAtSilenceAndAtUnity)
+{
+    const CSignal silence(100, 0.0), unity(100, 1.0);
+    for (const bool isFeedback : {false, true}) {
+        CFollowerSettings settings;
+        settings.isFeedback = isFeedback;
+        settings.punch = 0.4;
+        const CFollower follower = makeFollower(settings, 44100.0);
+        if (!isFeedback) {
+            EXPECT_EQ(runAlone(follower, followerKernel(false, false, false), restOfFollower(settings), silence, {}),
+                      silence);
+        }
+        settings.isInverse = true;
+        const CSignal gains =
+            runAlone(follower, followerKernel(true, isFeedback, false), restOfFollower(settings), unity, {});
+        EXPECT_NEAR(gains.back(), 1.0, 1e-14);
+        settings.isInverse = false;
+        const CSignal levels =
+            runAlone(follower, followerKernel(false, isFeedback, false), restOfFollower(settings), unity, {});
+        EXPECT_LE(*std::max_element(levels.begin(), levels.end()), 1.5) << "no burst at the start";
+    }
+}
+
+} // namespace
+} // namespace qrb
