@@ -76,6 +76,9 @@ std::string parseArguments(int count, char** values, Arguments& out)
     }
     if (out.target.empty())
         return "no output file given; see qrb-pack --help";
+    for (const std::string& definition : out.definitions)
+        if (definition.find('=') == std::string::npos || definition.starts_with('='))
+            return "'" + definition + "' is not of the form NAME=VALUE";
     const auto isNamePart = [](unsigned char c) { return std::isalnum(c) != 0 || c == '_'; };
     if (out.name.empty() || !std::all_of(out.name.begin(), out.name.end(), isNamePart))
         return "'" + out.name + "' cannot be the name of a function";
@@ -96,8 +99,7 @@ int main(int count, char** values)
         return fail(problem);
     qrbdoc::Options options;
     for (const std::string& definition : arguments.definitions)
-        options.variables[definition.substr(0, definition.find('='))] =
-            definition.substr(std::min(definition.find('='), definition.size() - 1) + 1);
+        options.variables[definition.substr(0, definition.find('='))] = definition.substr(definition.find('=') + 1);
 
     qrbpack::CPackager packager;
     for (const std::string& folder : arguments.folders)
