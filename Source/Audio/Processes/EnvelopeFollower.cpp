@@ -111,38 +111,102 @@ template <bool kIsInverse, bool kIsHolding>
     return s + (in - s) * (isAttack ? c.attack[stage] : release) * rate;
 }
 
-template <bool kIsInverse, bool kIsFeedback, bool kIsHolding>
+__m128d loadPair(const CFollowerLines& lines, std::size_t stage)
+{
+    return _mm_set_pd(lines.states[1]->stages[stage], lines.states[0]->stages[stage]);
+}
+
+[[gnu::always_inline]] inline void storePair(double* const (&out)[2], std::size_t i, __m128d value)
+{
+    _mm_storel_pd(out[0] + i, value);
+    _mm_storeh_pd(out[1] + i, value);
+}
+
+void storeStates(const CFollowerLines& lines, __m128d s1, __m128d s2, __m128d s3, __m128d s4, __m128d y)
+{
+    *lines.states[1] = {{s1[1], s2[1], s3[1], s4[1]}, y[1]};
+    *lines.states[0] = {{s1[0], s2[0], s3[0], s4[0]}, y[0]};
+}
+
+/// Each stage runs one sample behind the stage before it, so that the four steps of a turn wait for nothing but the turn
+/// before; sample after sample, the processor would not look far enough ahead to overlap them. The sum of the stages
+/// travels along with its sample.
+template <bool kIsInverse, bool kIsHolding>
 void follow(const CFollower& follower, const CFollowerLines& lines, std::size_t count)
 {
+    constexpr std::size_t kLag = CFollower::kStages - 1;
+    if (count == 0)
+        return;
     const CPairs c(follower);
-    CFollowerState& first = *lines.states[0];
-    CFollowerState& second = *lines.states[1];
-    __m128d s1 = _mm_set_pd(second.stages[0], first.stages[0]);
-    __m128d s2 = _mm_set_pd(second.stages[1], first.stages[1]);
-    __m128d s3 = _mm_set_pd(second.stages[2], first.stages[2]);
-    __m128d s4 = _mm_set_pd(second.stages[3], first.stages[3]);
-    __m128d y = _mm_set_pd(second.last, first.last);
-    for (std::size_t i = 0; i < count; ++i) {
-        __m128d x = _mm_set_pd(lines.in[1][i], lines.in[0][i]);
-        __m128d z = kIsHolding ? _mm_set_pd(lines.opening[1][i], lines.opening[0][i]) : both(0.0);
-        const __m128d last = y;
-        if constexpr (kIsFeedback) {
-            const __m128d divisor = kIsInverse ? last : last + kGuard;
-            x = x / divisor;
-            if constexpr (kIsHolding)
-                z = z / divisor;
+    __m128d s1 = loadPair(lines, 0);
+    __m128d s2 = loadPair(lines, 1);
+    __m128d s3 = loadPair(lines, 2);
+    __m128d s4 = loadPair(lines, 3);
+    __m128d sum1 = both(0.0);
+    __m128d sum2 = both(0.0);
+    __m128d sum3 = both(0.0);
+    __m128d y = both(0.0);
+    const auto turn = [&]<bool kIsEdge>(std::size_t t) __attribute__((always_inline))
+    {
+        // At the edges of the block only the stages that have a sample of it.
+        const auto has = [t, count](std::size_t lag) { return !kIsEdge || (t >= lag && t - lag < count); };
+        if (has(3)) {
+            s4 = stepStage<kIsInverse, false>(c, 3, s3, s4, s3);
+            y = (sum3 + s4) * c.norm;
+            storePair(lines.out, t - 3, y);
         }
-        s1 = stepStage<kIsInverse, kIsHolding>(c, 0, x, s1, z);
-        s2 = stepStage<kIsInverse, false>(c, 1, s1, s2, z);
-        s3 = stepStage<kIsInverse, false>(c, 2, s2, s3, z);
-        s4 = stepStage<kIsInverse, false>(c, 3, s3, s4, z);
+        if (has(2)) {
+            s3 = stepStage<kIsInverse, false>(c, 2, s2, s3, s2);
+            sum3 = sum2 + s3 * c.weights[2];
+        }
+        if (has(1)) {
+            s2 = stepStage<kIsInverse, false>(c, 1, s1, s2, s1);
+            sum2 = sum1 + s2 * c.weights[1];
+        }
+        if (has(0)) {
+            const __m128d x = _mm_set_pd(lines.in[1][t], lines.in[0][t]);
+            __m128d opening = x;
+            if constexpr (kIsHolding)
+                opening = _mm_set_pd(lines.opening[1][t], lines.opening[0][t]);
+            s1 = stepStage<kIsInverse, kIsHolding>(c, 0, x, s1, opening);
+            sum1 = s1 * c.weights[0];
+        }
+    };
+    std::size_t t = 0;
+    for (; t < kLag; ++t)
+        turn.template operator()<true>(t);
+    for (; t < count; ++t)
+        turn.template operator()<false>(t);
+    for (; t < count + kLag; ++t)
+        turn.template operator()<true>(t);
+    storeStates(lines, s1, s2, s3, s4, y);
+}
+
+/// With feedback a sample's first step waits for the whole of the last one.
+template <bool kIsInverse, bool kIsHolding>
+void followFeedback(const CFollower& follower, const CFollowerLines& lines, std::size_t count)
+{
+    const CPairs c(follower);
+    __m128d s1 = loadPair(lines, 0);
+    __m128d s2 = loadPair(lines, 1);
+    __m128d s3 = loadPair(lines, 2);
+    __m128d s4 = loadPair(lines, 3);
+    __m128d y = _mm_set_pd(lines.states[1]->last, lines.states[0]->last);
+    for (std::size_t i = 0; i < count; ++i) {
+        const __m128d last = y;
+        const __m128d divisor = kIsInverse ? last : last + kGuard;
+        const __m128d x = _mm_set_pd(lines.in[1][i], lines.in[0][i]) / divisor;
+        __m128d opening = x;
+        if constexpr (kIsHolding)
+            opening = _mm_set_pd(lines.opening[1][i], lines.opening[0][i]) / divisor;
+        s1 = stepStage<kIsInverse, kIsHolding>(c, 0, x, s1, opening);
+        s2 = stepStage<kIsInverse, false>(c, 1, s1, s2, s1);
+        s3 = stepStage<kIsInverse, false>(c, 2, s2, s3, s2);
+        s4 = stepStage<kIsInverse, false>(c, 3, s3, s4, s3);
         y = (s1 * c.weights[0] + s2 * c.weights[1] + s3 * c.weights[2] + s4) * c.norm;
-        const __m128d out = kIsFeedback ? last * y : y;
-        _mm_storel_pd(lines.out[0] + i, out);
-        _mm_storeh_pd(lines.out[1] + i, out);
+        storePair(lines.out, i, last * y);
     }
-    second = {{s1[1], s2[1], s3[1], s4[1]}, y[1]};
-    first = {{s1[0], s2[0], s3[0], s4[0]}, y[0]};
+    storeStates(lines, s1, s2, s3, s4, y);
 }
 
 } // namespace
@@ -176,10 +240,10 @@ CFollowerState restOfFollower(const CFollowerSettings& settings)
 FFollowerKernel followerKernel(bool isInverse, bool isFeedback, bool isHolding)
 {
     if (isHolding)
-        return isFeedback ? follow<true, true, true> : follow<true, false, true>;
+        return isFeedback ? followFeedback<true, true> : follow<true, true>;
     if (isInverse)
-        return isFeedback ? follow<true, true, false> : follow<true, false, false>;
-    return isFeedback ? follow<false, true, false> : follow<false, false, false>;
+        return isFeedback ? followFeedback<true, false> : follow<true, false>;
+    return isFeedback ? followFeedback<false, false> : follow<false, false>;
 }
 
 } // namespace qrb

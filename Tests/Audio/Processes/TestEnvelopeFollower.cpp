@@ -172,7 +172,8 @@ TEST(EnvelopeFollower, TwoLinesSideBySideAndCutsChangeNothing)
         const CSignal want[2] = {runAlone(follower, run, restOfFollower(settings), lines[0], opening),
                                  runAlone(follower, run, restOfFollower(settings), lines[1], opening)};
         CFollowerState states[2] = {restOfFollower(settings), restOfFollower(settings)};
-        for (const auto& [start, count] : {std::pair<std::size_t, std::size_t>{0, 1}, {1, 332}, {333, 167}})
+        for (const auto& [start, count] :
+             {std::pair<std::size_t, std::size_t>{0, 1}, {1, 2}, {3, 3}, {6, 0}, {6, 327}, {333, 167}})
             run(follower,
                 {{&states[0], &states[1]},
                  {&lines[0][start], &lines[1][start]},
