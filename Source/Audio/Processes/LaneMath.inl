@@ -65,11 +65,10 @@
 /// Exponential, within 1.2 ulp, of x up to 709. Below -708 the result is 0, never a denormal number.
 [[gnu::always_inline]] inline Lanes expOf(Lanes x)
 {
-    const Lanes clamped = x < spread(-708.0) ? spread(-708.0) : x;
     // x = k * ln 2 + r; adding 1.5 * 2^52 rounds to an integer and leaves it in the low bits.
-    const Lanes shifted = clamped * 0x1.71547652b82fep+0 + 0x1.8p52;
+    const Lanes shifted = x * 0x1.71547652b82fep+0 + 0x1.8p52;
     const Lanes k = shifted - 0x1.8p52;
-    const Lanes r = (clamped - k * 0x1.62e42fefa3800p-1) - k * 0x1.ef35793c76730p-45;
+    const Lanes r = (x - k * 0x1.62e42fefa3800p-1) - k * 0x1.ef35793c76730p-45;
     const Lanes r2 = r * r;
     const Lanes r4 = r2 * r2;
     const Lanes p0 = 0.5 + r * 0x1.5555555555556p-3;
@@ -84,9 +83,10 @@
     return x < spread(-708.0) ? spread(0.0) : result;
 }
 
-[[gnu::always_inline]] inline Lanes nepersOf(const CGainCurve& curve, double threshold, Lanes level, bool isDownward)
+/// Change of gain in nepers.
+[[gnu::always_inline]] inline Lanes bendOf(const CGainCurve& curve, double threshold, Lanes logarithm, bool isDownward)
 {
-    const Lanes decibels = logOf(level) * kDecibelsPerNeper;
+    const Lanes decibels = logarithm * kDecibelsPerNeper;
     const Lanes over = isDownward ? threshold - decibels : decibels - threshold;
     const Lanes along = over - curve.kneeStart;
     const Lanes arc = curve.arcCentre + rootOf(curve.arcRadius2 - along * along);
@@ -94,20 +94,22 @@
     return (over > spread(curve.kneeStart) ? bent : spread(0.0)) * kNepersPerDecibel;
 }
 
-/// The block in two passes: the processor overlaps more samples of two short chains than of one long one.
+/// The block in three passes: the processor overlaps more samples of short chains than of one long one.
 [[gnu::always_inline]] inline void runGain(const CGainCurve& curve, double threshold, const double* in, double* out,
                                            std::size_t count, bool isDownward, bool isInverse)
 {
     const std::size_t whole = count - count % kLanes;
     for (std::size_t i = 0; i < whole; i += kLanes)
-        storeLanes(out + i, nepersOf(curve, threshold, loadLanes(in + i), isDownward));
+        storeLanes(out + i, logOf(loadLanes(in + i)));
+    for (std::size_t i = 0; i < whole; i += kLanes)
+        storeLanes(out + i, bendOf(curve, threshold, loadLanes(out + i), isDownward));
     for (std::size_t i = 0; i < whole; i += kLanes) {
         const Lanes gain = expOf(loadLanes(out + i));
         storeLanes(out + i, isInverse ? 1.0 / gain : gain);
     }
     if (whole == count)
         return;
-    const Lanes gain = expOf(nepersOf(curve, threshold, loadPart(in + whole, count - whole), isDownward));
+    const Lanes gain = expOf(bendOf(curve, threshold, logOf(loadPart(in + whole, count - whole)), isDownward));
     storePart(out + whole, isInverse ? 1.0 / gain : gain, count - whole);
 }
 
