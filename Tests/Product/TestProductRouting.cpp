@@ -109,6 +109,17 @@ TEST(TestProductRouting, SoloOfAGroupSilencesTheOthers)
     expectDelayed(rig, out[3], in[3]);
 }
 
+TEST(TestProductRouting, KeyChannelsBeyondTheRoutingTableGoNowhere)
+{
+    CProductRig rig({44100.0, 8, 8, 2});
+    for (int channel = 0; channel < 8; ++channel)
+        rig.set("io-params.in-routing:0:" + std::to_string(channel) + "=0");
+    const CChannels out = rig.run(makeNoise(10, kFrames), 512);
+    for (const std::vector<double>& channel : out)
+        for (const double sample : channel)
+            ASSERT_LE(std::abs(sample), 1e-10);
+}
+
 TEST(TestProductRouting, AChannelMarkedAsKeyOnlyDoesNotSound)
 {
     CProductRig rig({});

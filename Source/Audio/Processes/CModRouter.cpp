@@ -39,7 +39,10 @@ bool CModRouter::hasRouteTo(int channel) const
 void CModRouter::makeInputRoutes()
 {
     const std::span<const CAudioLine> inputs = lines();
+    const int listedCount = m_routingSlot.elementCount(paramGroup());
     for (std::size_t i = 0; i < inputs.size(); ++i) {
+        if (inputs[i].channel >= listedCount)
+            continue; // else it would go where the default element sends host channel 0
         const int destination = routingOf(inputs[i].channel);
         if (destination >= 0 && !hasRouteTo(destination))
             addRoute({destination, groupOf(destination), static_cast<int>(i)});
