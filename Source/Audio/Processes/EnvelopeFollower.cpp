@@ -111,6 +111,31 @@ template <bool kIsInverse, bool kIsHolding>
     return s + (in - s) * (isAttack ? c.attack[stage] : release) * rate;
 }
 
+/// The same for a gain whose input only comes at the last moment: all that can be done with the state alone stands apart
+/// from it, the attack's division among that.
+template <bool kIsHolding>
+[[gnu::always_inline]] inline __m128d stepLate(const CPairs& c, int stage, __m128d in, __m128d s, __m128d opening)
+{
+    const __m128d attackRatio = in * (c.attackScale / (s + kGuard));
+    const __m128d releaseRatio = s * c.releaseScale / in;
+    const auto isAttack = s >= in;
+    const __m128d ratio = isAttack ? attackRatio : releaseRatio;
+    const __m128d rate = _mm_max_pd((isAttack ? c.attackOffset : c.releaseOffset) + ratio, c.minRate);
+    __m128d release = c.release[stage];
+    if constexpr (kIsHolding)
+        release = opening >= s ? release : both(0.0);
+    return s + (in - s) * (isAttack ? c.attack[stage] : release) * rate;
+}
+
+template <bool kIsInverse, bool kIsHolding>
+[[gnu::always_inline]] inline __m128d stepFeedback(const CPairs& c, int stage, __m128d in, __m128d s, __m128d opening)
+{
+    if constexpr (kIsInverse)
+        return stepLate<kIsHolding>(c, stage, in, s, opening);
+    else
+        return stepStage<false, kIsHolding>(c, stage, in, s, opening);
+}
+
 __m128d loadPair(const CFollowerLines& lines, std::size_t stage)
 {
     return _mm_set_pd(lines.states[1]->stages[stage], lines.states[0]->stages[stage]);
@@ -199,10 +224,10 @@ void followFeedback(const CFollower& follower, const CFollowerLines& lines, std:
         __m128d opening = x;
         if constexpr (kIsHolding)
             opening = _mm_set_pd(lines.opening[1][i], lines.opening[0][i]) / divisor;
-        s1 = stepStage<kIsInverse, kIsHolding>(c, 0, x, s1, opening);
-        s2 = stepStage<kIsInverse, false>(c, 1, s1, s2, s1);
-        s3 = stepStage<kIsInverse, false>(c, 2, s2, s3, s2);
-        s4 = stepStage<kIsInverse, false>(c, 3, s3, s4, s3);
+        s1 = stepFeedback<kIsInverse, kIsHolding>(c, 0, x, s1, opening);
+        s2 = stepFeedback<kIsInverse, false>(c, 1, s1, s2, s1);
+        s3 = stepFeedback<kIsInverse, false>(c, 2, s2, s3, s2);
+        s4 = stepFeedback<kIsInverse, false>(c, 3, s3, s4, s3);
         y = (s1 * c.weights[0] + s2 * c.weights[1] + s3 * c.weights[2] + s4) * c.norm;
         storePair(lines.out, i, last * y);
     }
