@@ -11,7 +11,10 @@
 
 namespace qrb {
 
-CAudioParam::CAudioParam(CAudioParamCollector& collector, const CString& path) : m_collector(collector), m_path(path) {}
+CAudioParam::CAudioParam(CAudioParamCollector& collector, const CString& path)
+    : CAudioParamPathEntry(path), m_collector(collector)
+{
+}
 
 bool CAudioParam::isBoundLike(const CAudioParamInfo& info) const
 {
@@ -22,7 +25,8 @@ bool CAudioParam::isBoundLike(const CAudioParamInfo& info) const
 
 void CAudioParam::bindInfo(const CAudioParamInfo& info, const void* source, const CAudioParamRoute& route)
 {
-    if (this->info() == &info)
+    // Looked at twice, so that nodes which come and go do not wait for whoever holds the parameters.
+    if (isBoundLike(info))
         return;
     const CAudioParamGuard guard(m_collector);
     if (isBoundLike(info))
@@ -183,6 +187,8 @@ CAudioParamReader* CAudioParam::attachReader(const CAudioParamStorage*& outStora
                                              std::uint32_t* outMask, std::int32_t group, std::int32_t element)
 {
     CAudioParamReader* const reader = m_collector.m_readerPool.take();
+    if (m_collector.m_readerPool.isSpareUsed())
+        m_collector.wakeDeferred();
     reader->m_dirtyFlag = dirtyFlag;
     reader->m_mask = outMask;
     reader->m_group = group;

@@ -3,6 +3,7 @@
 
 #include "Audio/CAudioParamGuard.h"
 #include "Audio/CAudioParamInfo.h"
+#include "Audio/CAudioParamPathEntry.h"
 #include "Audio/CAudioParamReader.h"
 #include "Audio/CAudioParamStorage.h"
 #include "Audio/CAudioParamUpdate.h"
@@ -29,20 +30,17 @@ struct CAudioParamRoute {
 /// dropped until it gets the description of a definition.
 ///
 /// Thread: any, unless told otherwise; calls that take a guard use the caller's, the others make their own.
-class CAudioParam : public CCheckedObject {
+class CAudioParam : public CAudioParamPathEntry {
 public:
     CAudioParam(CAudioParamCollector& collector, const CString& path);
-    CAudioParam(const CAudioParam&) = delete;
-    CAudioParam& operator=(const CAudioParam&) = delete;
 
-    [[nodiscard]] const CString& path() const { return m_path; }
     [[nodiscard]] CAudioParamCollector& collector() const { return m_collector; }
     /// The description, or null while unbound.
     [[nodiscard]] const CAudioParamInfo* info() const { return m_info.load(std::memory_order_acquire); }
     [[nodiscard]] bool isBound() const { return info() != nullptr; }
 
     /// Takes a description that outlives the instance over and pushes its defaults; an equal one changes nothing and takes
-    /// no lock if it is the same.
+    /// no lock.
     void bindInfo(const CAudioParamInfo& info, const void* source = nullptr, const CAudioParamRoute& route = {});
 
     /// The one way in for changes. False if the record was dropped because it does not fit.
@@ -85,7 +83,7 @@ public:
 
     /// Asks to be told about changes: `*dirtyFlag` becomes 1 and the bits of changed groups join in `*outMask` until
     /// who asked clears them. Group and element -1 mean all. `*outMask` starts with the groups that have data.
-    /// Thread: audio, or any while no audio runs; takes memory from the reader pool only.
+    /// Thread: audio, or any while no audio runs; takes memory from the reader pool only, and no lock.
     CAudioParamReader* attachReader(const CAudioParamStorage*& outStorage, std::uint8_t* dirtyFlag,
                                     std::uint32_t* outMask, std::int32_t group, std::int32_t element);
     /// Thread: as attachReader(). Null does nothing.
@@ -108,7 +106,7 @@ public:
 private:
     friend class CAudioParamCollector;
 
-    [[nodiscard]] const CString& fullName() const { return m_path; }
+    [[nodiscard]] const CString& fullName() const { return path(); }
 
     bool updateHeld(const CAudioParamUpdate& record, const CAudioParamGuard& guard, const CAudioParamRoute& route);
     bool updateWithGap(const CAudioParamUpdate& record, const CAudioParamGuard& guard, const CAudioParamRoute& route);
@@ -136,7 +134,6 @@ private:
 
     CAudioParamCollector& m_collector;
     std::atomic<const CAudioParamInfo*> m_info{nullptr};
-    const CString m_path;
     CAudioParamStorage m_edit;
     CAudioParamStorage m_reset;
     CAudioParamReader* m_readers = nullptr;

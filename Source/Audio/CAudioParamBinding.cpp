@@ -7,6 +7,7 @@
 #include "Audio/CAudioParamRemapDef.h"
 #include "Audio/CAudioParamSharedStorage.h"
 #include "Audio/CAudioProcessDef.h"
+#include "Audio/CAudioProcessStack.h"
 
 namespace qrb {
 
@@ -41,19 +42,26 @@ void linkSharedStorages(CAudioParamCollector& collector, const CAudioProcessDefB
     }
 }
 
+/// Which instances of a stack are visited.
+enum class EStackVisit { first, all };
+
 /// Visits a definition and what its parent instantiates of its children, parents first. The depth is that of the object
 /// tree, which is bounded.
 template <class F>
-void visitTree(const CAudioProcessDefBase& definition, const CString& name, const F& visit)
+void visitTree(const CAudioProcessDefBase& definition, const CString& name, EStackVisit stacks, const F& visit)
 {
-    visit(definition, name);
+    const bool isChain = stacks == EStackVisit::all && definition.isStacked() && !definition.stackParam().empty();
     const auto* process = dynamic_cast<const CAudioProcessDef*>(&definition);
-    if (process == nullptr) {
-        return;
-    }
-    for (const CAudioProcessDefBase* child : process->processes()) {
-        if (!child->isPrototype()) {
-            visitTree(*child, name + "." + child->getName(), visit);
+    for (int element = 0; element < (isChain ? CAudioProcessStack::kMaxInstances : 1); ++element) {
+        const CString instance = CAudioProcessStack::instanceName(name, element);
+        visit(definition, instance);
+        if (process == nullptr) {
+            continue;
+        }
+        for (const CAudioProcessDefBase* child : process->processes()) {
+            if (!child->isPrototype()) {
+                visitTree(*child, instance + "." + child->getName(), stacks, visit);
+            }
         }
     }
 }
@@ -63,10 +71,13 @@ void visitTree(const CAudioProcessDefBase& definition, const CString& name, cons
 void declareProcessTree(CAudioParamCollector& collector, const CAudioProcessDefBase& definition, const CString& name)
 {
     // All aliases first, since they decide which declarations are bound. Parameters that are not global are bound
-    // along with the others, so that the audio thread finds them bound and need not wait for their lock.
-    visitTree(definition, name, [&](const auto& def, const CString& path) { enterRemaps(collector, def, path); });
-    visitTree(definition, name, [&](const auto& def, const CString& path) { bindParams(collector, def, path); });
-    visitTree(definition, name, [&](const auto& def, const CString& path) {
+    // along with the others, and those of stacks for the longest chain, so that the audio thread finds all of them bound
+    // and need not wait for their lock.
+    visitTree(definition, name, EStackVisit::all,
+              [&](const auto& def, const CString& path) { enterRemaps(collector, def, path); });
+    visitTree(definition, name, EStackVisit::all,
+              [&](const auto& def, const CString& path) { bindParams(collector, def, path); });
+    visitTree(definition, name, EStackVisit::first, [&](const auto& def, const CString& path) {
         linkSharedStorages(collector, def, path);
         // Filters between parameters attach here, when all they read and write is bound.
     });

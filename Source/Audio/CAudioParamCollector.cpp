@@ -29,39 +29,35 @@ CErrorPtr CAudioParamCollector::initChilds()
 
 CAudioParam& CAudioParamCollector::getParam(const CString& path)
 {
-    const CScopedLock lock(m_mapLock);
-    const CString resolved = m_renames.resolve(path);
-    const auto found = m_params.find(resolved);
-    if (found != m_params.end())
-        return *found->second;
+    const CString& resolved = m_renames.resolve(path);
+    CAudioParamPathEntry* entry = m_params.find(resolved);
     // Registries are offered the new parameter here once they are there.
-    return *m_params.emplace(resolved, std::make_unique<CAudioParam>(*this, resolved)).first->second;
+    if (entry == nullptr)
+        entry = &m_params.add(std::make_unique<CAudioParam>(*this, resolved));
+    return *static_cast<CAudioParam*>(entry);
 }
 
-CAudioParam* CAudioParamCollector::findParam(const CString& path)
+CAudioParam* CAudioParamCollector::findParam(const CString& path) const
 {
-    const CScopedLock lock(m_mapLock);
-    const auto found = m_params.find(m_renames.resolve(path));
-    return found != m_params.end() ? found->second.get() : nullptr;
+    return static_cast<CAudioParam*>(m_params.find(m_renames.resolve(path)));
 }
 
-bool CAudioParamCollector::isRenamed(const CString& path)
+bool CAudioParamCollector::isRenamed(const CString& path) const
 {
-    const CScopedLock lock(m_mapLock);
     return m_renames.resolve(path) != path;
 }
 
 void CAudioParamCollector::addRename(const CString& original, const CString& renamed)
 {
-    const CScopedLock lock(m_mapLock);
     m_renames.add(original, renamed);
 }
 
-void CAudioParamCollector::listParams(CArray<CAudioParam*>& out)
+void CAudioParamCollector::listParams(CArray<CAudioParam*>& out) const
 {
-    const CScopedLock lock(m_mapLock);
-    for (const auto& [path, param] : m_params)
-        out.append(param.get());
+    const std::size_t first = out.size();
+    for (CAudioParamPathEntry* entry = m_params.newest(); entry != nullptr; entry = CAudioParamPathTree::older(*entry))
+        out.append(static_cast<CAudioParam*>(entry));
+    std::ranges::sort(out.span().subspan(first), {}, &CAudioParam::path);
 }
 
 void CAudioParamCollector::addSharedParam(const CString& path, CAppData& store, const CString& dataName)
@@ -230,6 +226,7 @@ void CAudioParamCollector::runDeferred()
     if (m_isRunning)
         return;
     m_isRunning = true;
+    m_readerPool.prepare();
     takeDeferred();
     runChanges();
     runCalls();

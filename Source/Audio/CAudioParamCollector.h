@@ -3,6 +3,7 @@
 
 #include "Audio/CAudioParam.h"
 #include "Audio/CAudioParamDeferredCalls.h"
+#include "Audio/CAudioParamPathTree.h"
 #include "Audio/CAudioParamReaderPool.h"
 #include "Audio/CAudioParamRenameMap.h"
 #include "Audio/CAudioParamUpdatePool.h"
@@ -34,16 +35,19 @@ public:
 
     [[nodiscard]] CAudioEnv& env() const { return *m_env; }
 
+    // Parameters and aliases only join. Whoever looks for them, enters or makes them waits for nobody, so the audio
+    // thread may do so while it rewires.
+
     /// The parameter of a path, behind all its aliases; made if it does not exist. Thread: any.
     [[nodiscard]] CAudioParam& getParam(const CString& path);
     /// The same without making one: null for an unknown path. Thread: any.
-    [[nodiscard]] CAudioParam* findParam(const CString& path);
+    [[nodiscard]] CAudioParam* findParam(const CString& path) const;
     /// Whether an alias sends the path to another one. Thread: any.
-    [[nodiscard]] bool isRenamed(const CString& path);
+    [[nodiscard]] bool isRenamed(const CString& path) const;
     /// Enters an alias of absolute paths. Thread: any.
     void addRename(const CString& original, const CString& renamed);
     /// All parameters in the order of their paths. Thread: any; a parameter stays as long as the collector.
-    void listParams(CArray<CAudioParam*>& out);
+    void listParams(CArray<CAudioParam*>& out) const;
     /// The key that listeners of a parameter attach with.
     [[nodiscard]] static std::uint64_t listenerKey(const CAudioParam& param)
     {
@@ -104,8 +108,7 @@ private:
 
     CAudioEnv* m_env = nullptr;
 
-    platform::CRecursiveLock m_mapLock{4000};
-    CMap<CString, std::unique_ptr<CAudioParam>> m_params;
+    CAudioParamPathTree m_params; ///< of CAudioParam
     CAudioParamRenameMap m_renames;
 
     platform::CRecursiveLock m_paramLock{4000};

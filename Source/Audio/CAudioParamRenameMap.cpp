@@ -1,24 +1,30 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/CAudioParamRenameMap.h"
 
+#include "Audio/CAudioParamRename.h"
+
 namespace qrb {
 
 void CAudioParamRenameMap::add(const CString& original, const CString& renamed)
 {
-    if (original != renamed)
-        m_map.insert_or_assign(original, renamed);
+    if (original == renamed)
+        return;
+    CAudioParamPathEntry* entry = m_renames.find(original);
+    if (entry == nullptr)
+        entry = &m_renames.add(std::make_unique<CAudioParamRename>(original, renamed));
+    static_cast<CAudioParamRename*>(entry)->setTarget(renamed);
 }
 
-CString CAudioParamRenameMap::resolve(const CString& path) const
+const CString& CAudioParamRenameMap::resolve(const CString& path) const
 {
-    CString resolved = path;
+    const CString* resolved = &path;
     for (int step = 0; step < kMaxSteps; ++step) {
-        const auto found = m_map.find(resolved);
-        if (found == m_map.end())
+        const CAudioParamPathEntry* const found = m_renames.find(*resolved);
+        if (found == nullptr)
             break;
-        resolved = found->second;
+        resolved = &static_cast<const CAudioParamRename*>(found)->target();
     }
-    return resolved;
+    return *resolved;
 }
 
 } // namespace qrb

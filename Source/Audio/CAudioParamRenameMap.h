@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Audio/CAudioParamPathTree.h"
 #include "Core/CCheckedObject.h"
-#include "Core/CQrbStdAllocator.h"
 #include "Core/CString.h"
 
 namespace qrb {
 
-/// Aliases of parameter paths. Not locked.
+/// Aliases of parameter paths. Takes no lock, and memory only for a pair that is new. Thread: any.
 class CAudioParamRenameMap : public CCheckedObject {
 public:
     /// Steps after which a chain of aliases counts as a ring and ends where it is.
@@ -15,11 +15,11 @@ public:
 
     /// Enters an alias; a later one for the same path replaces it, one to the path itself does nothing.
     void add(const CString& original, const CString& renamed);
-    /// The path behind all aliases.
-    [[nodiscard]] CString resolve(const CString& path) const;
+    /// The path behind all aliases: `path` itself, or a text that stays as long as the map.
+    [[nodiscard]] const CString& resolve(const CString& path) const;
 
 private:
-    CMap<CString, CString> m_map;
+    CAudioParamPathTree m_renames;
 };
 
 } // namespace qrb

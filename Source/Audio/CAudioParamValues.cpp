@@ -173,7 +173,7 @@ CErrorPtr CAudioParam::save(COutputStream& out, std::int32_t group) const
 {
     const CAudioParamGuard guard(m_collector);
     const CAudioParamInfo* const info = this->info();
-    QRB_TRY(out.writeString(info != nullptr ? info->definitionPath : m_path));
+    QRB_TRY(out.writeString(info != nullptr ? info->definitionPath : path()));
     return m_edit.save(out, group);
 }
 

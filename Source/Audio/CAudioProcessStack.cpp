@@ -166,13 +166,15 @@ void CAudioProcessStack::setLength(int group, CAudioStackChain& chain, int lengt
     }
 }
 
+CString CAudioProcessStack::instanceName(const CString& stack, int element)
+{
+    return element == 0 ? stack : stack + "#" + formatInteger(element);
+}
+
 std::unique_ptr<CAudioProcessBase> CAudioProcessStack::makeInstance(int group, int element)
 {
-    CAudioProcessSetup setup{context(), &definition(), fullName(), group, element, EExpansion::stacked};
-    if (element > 0) {
-        setup.name += "#";
-        setup.name += formatInteger(element);
-    }
+    const CAudioProcessSetup setup{context(), &definition(), instanceName(fullName(), element),
+                                   group,     element,       EExpansion::stacked};
     std::unique_ptr<CAudioProcessBase> instance;
     const CErrorPtr error = instantiateProcess(setup, instance);
     logError(error);

@@ -19,6 +19,9 @@ public:
     CAudioProcessStack();
     ~CAudioProcessStack() override;
 
+    /// Name of the instance at a place of a chain.
+    [[nodiscard]] static CString instanceName(const CString& stack, int element);
+
     [[nodiscard]] CErrorPtr init() override;
     void update() override;
     void disconnectAll() override;

@@ -60,6 +60,35 @@ TEST(CAudioParamCollector, AliasesLeadToOneParameter)
     params.listParams(all);
     EXPECT_EQ(all.size(), 2u);
     EXPECT_EQ(params.findParam("x"), nullptr);
+
+    // The newest target counts; turning back and forth between known ones takes nothing.
+    params.addRename("a", "d");
+    EXPECT_EQ(params.getParam("a").path(), "d");
+    const std::uint64_t before = CQrbMemAllocator::allocateCount();
+    for (const char* const target : {"b", "d", "b"}) {
+        params.addRename("a", target);
+        EXPECT_EQ(params.getParam("a").path(), *target == 'b' ? "c" : "d");
+    }
+    EXPECT_EQ(CQrbMemAllocator::allocateCount(), before);
+}
+
+TEST(CAudioParamCollector, TheOwnerKeepsReadersReadyForTheAudioThread)
+{
+    AudioParamWorld world;
+    CAudioParam& param = world.collector.getParam("x");
+    const CAudioParamStorage* storage = nullptr;
+    std::uint8_t dirty = 0;
+    std::uint32_t mask = 0;
+    std::size_t ready = 3 * CAudioParamReaderPool::kFirstBlock;
+    for (int round = 0; round < 3; ++round) {
+        const std::uint64_t before = CQrbMemAllocator::allocateCount();
+        for (std::size_t i = 0; i < ready; ++i)
+            param.attachReader(storage, &dirty, &mask, -1, -1);
+        EXPECT_EQ(CQrbMemAllocator::allocateCount(), before);
+        EXPECT_TRUE(world.collector.hasDeferred());
+        world.collector.runDeferred();
+        ready = (std::size_t{4} << round) * CAudioParamReaderPool::kFirstBlock;
+    }
 }
 
 TEST(CAudioParamCollector, AQueueThatNobodyEmptiesStopsGrowing)
