@@ -36,6 +36,7 @@
 #include "Audio/Processes/CModClip.h"
 #include "Audio/Processes/CModDelay.h"
 #include "Audio/Processes/CModDenormNoise.h"
+#include "Audio/Processes/CModFilterFIR.h"
 #include "Audio/Processes/CModFilterIIR.h"
 #include "Audio/Processes/CModGain.h"
 #include "Audio/Processes/CModLatencyUniformer.h"
@@ -84,6 +85,7 @@ std::span<const CCreatorRow> audioCreators()
         creatorRow<CModClipDef>("audio:modClip"),
         creatorRow<CModDelayDef>("audio:modDelay"),
         creatorRow<CModDenormNoiseDef>("audio:modDenormNoise"),
+        creatorRow<CModFilterFIRDef>("audio:modFilterFIR"),
         creatorRow<CModFilterIIRDef>("audio:modFilterIIR"),
         creatorRow<CModGainDef>("audio:modGain"),
         creatorRow<CModLatencyUniformerDef>("audio:modLatencyUniformer"),

@@ -26,6 +26,8 @@ public:
     /// Adds a name, or finds it; the place of its value.
     std::size_t add(const CString& name);
     void set(const CString& name, double value) { setValue(add(name), value); }
+    /// Adds values that no name leads to, behind all others.
+    void appendUnnamed(std::span<const double> values) { m_values.appendAll(values); }
     void setValue(std::size_t place, double value) { m_values[place] = value; }
 
     [[nodiscard]] bool has(const CString& name) const { return m_places.find(name) != m_places.end(); }
