@@ -21,7 +21,8 @@ STANDARD = set("""algorithm array atomic bit cassert cctype cerrno cfenv cfloat 
     complex concepts condition_variable csignal ctime cstdarg cstddef cstdint cstdio cstdlib cstring deque filesystem fstream functional
     initializer_list iomanip iosfwd iostream iterator limits list map memory mutex new numbers numeric optional ostream queue
     random ratio set shared_mutex span sstream string string_view system_error thread tuple type_traits typeinfo
-    unordered_map unordered_set utility variant vector version immintrin.h emmintrin.h xmmintrin.h pmmintrin.h""".split())
+    unordered_map unordered_set utility variant vector version immintrin.h emmintrin.h xmmintrin.h pmmintrin.h
+    smmintrin.h""".split())
 FOREIGN = {  # floor: what it alone may include besides the standard library
     0: re.compile(r"(fftw3|pthread|unistd|fcntl|dlfcn|link|pwd|sched|time|errno|poll|signal)\.h|sys/\w+\.h|linux/\w+\.h"),
     1: re.compile(r"(zlib|liblzf/lzf)\.h"),
