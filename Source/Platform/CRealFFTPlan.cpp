@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/CRealFFTPlan.h"
 
+#include "Platform/FFTWisdom.h"
+
 #include <algorithm>
 #include <fftw3.h>
 #include <memory>
@@ -15,6 +17,12 @@ std::mutex& plannerMutex()
 {
     static std::mutex mutex;
     return mutex;
+}
+
+/// Once in the process, with the planner's mutex held.
+void importWisdom()
+{
+    [[maybe_unused]] static const int isTaken = fftw_import_wisdom_from_string(fftWisdom());
 }
 
 struct CRelease {
@@ -35,7 +43,8 @@ CRealFFTPlan::CRealFFTPlan(unsigned log2Size)
     const std::unique_ptr<double, CRelease> samples(fftw_alloc_real(m_size));
     const std::unique_ptr<double, CRelease> terms(fftw_alloc_real(m_size + 2));
     const int length = static_cast<int>(m_size);
-    // Estimated plans depend on nothing measured, so each run of the program computes the same bits.
+    // Nothing is measured here, so each run of the program makes the same plans and computes the same bits.
+    importWisdom();
     m_forward = fftw_plan_dft_r2c_1d(length, samples.get(), complexTerms(terms.get()), FFTW_ESTIMATE);
     m_inverse = fftw_plan_dft_c2r_1d(length, complexTerms(terms.get()), samples.get(), FFTW_ESTIMATE);
 }
