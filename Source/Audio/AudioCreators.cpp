@@ -47,6 +47,7 @@
 #include "Audio/Processes/CModMute.h"
 #include "Audio/Processes/CModNode.h"
 #include "Audio/Processes/CModOutput.h"
+#include "Audio/Processes/CModProcessSwitchDef.h"
 #include "Audio/Processes/CModRMS.h"
 #include "Audio/Processes/CModRouter.h"
 #include "Audio/Processes/CModSidechain.h"
@@ -96,6 +97,7 @@ std::span<const CCreatorRow> audioCreators()
         creatorRow<CModMuteDef>("audio:modMute"),
         creatorRow<CModNodeDef>("audio:modNode"),
         creatorRow<CModOutputDef>("audio:modOutput"),
+        creatorRow<CModProcessSwitchDef>("audio:modProcessSwitch"),
         creatorRow<CModRMSDef>("audio:modRMS"),
         creatorRow<CModRouterDef>("audio:modRouter"),
         creatorRow<CModSidechainDef>("audio:modSidechain"),

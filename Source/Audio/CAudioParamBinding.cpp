@@ -6,8 +6,8 @@
 #include "Audio/CAudioParamPath.h"
 #include "Audio/CAudioParamRemapDef.h"
 #include "Audio/CAudioParamSharedStorage.h"
-#include "Audio/CAudioProcessDef.h"
-#include "Audio/CAudioProcessStack.h"
+#include "Audio/CAudioProcessDefBase.h"
+#include "Audio/CAudioProcessMB.h"
 
 namespace qrb {
 
@@ -42,27 +42,21 @@ void linkSharedStorages(CAudioParamCollector& collector, const CAudioProcessDefB
     }
 }
 
-/// Which instances of a stack are visited.
-enum class EStackVisit { first, all };
-
-/// Visits a definition and what its parent instantiates of its children, parents first. The depth is that of the object
-/// tree, which is bounded.
+/// Visits a definition and all that its nodes instantiate, outer ones first: `visit(definition, path, commonPath)`, the
+/// latter empty or another path that remaps may know it under. Documents are trusted not to contain themselves.
 template <class F>
-void visitTree(const CAudioProcessDefBase& definition, const CString& name, EStackVisit stacks, const F& visit)
+void visitTree(const CAudioInnerProcess& process, EExpansion expansion, const F& visit, const CString& commonPath = {})
 {
-    const bool isChain = stacks == EStackVisit::all && definition.isStacked() && !definition.stackParam().empty();
-    const auto* process = dynamic_cast<const CAudioProcessDef*>(&definition);
-    for (int element = 0; element < (isChain ? CAudioProcessStack::kMaxInstances : 1); ++element) {
-        const CString instance = CAudioProcessStack::instanceName(name, element);
-        visit(definition, instance);
-        if (process == nullptr) {
-            continue;
-        }
-        for (const CAudioProcessDefBase* child : process->processes()) {
-            if (!child->isPrototype()) {
-                visitTree(*child, instance + "." + child->getName(), stacks, visit);
-            }
-        }
+    visit(process.definition, process.name, commonPath);
+    const auto enter = [&](const CAudioInnerProcess& inner, EExpansion innerExpansion) {
+        const CString path = process.name + "." + inner.name;
+        visitTree({inner.definition, path}, innerExpansion, visit,
+                  inner.commonName.empty() ? CString() : process.name + "." + inner.commonName);
+    };
+    if (process.definition.isMultiband() && expansion != EExpansion::done) {
+        CAudioProcessMB::visitParts(process.definition, enter);
+    } else {
+        process.definition.visitInner([&](const CAudioInnerProcess& inner) { enter(inner, EExpansion::all); });
     }
 }
 
@@ -71,13 +65,16 @@ void visitTree(const CAudioProcessDefBase& definition, const CString& name, ESta
 void declareProcessTree(CAudioParamCollector& collector, const CAudioProcessDefBase& definition, const CString& name)
 {
     // All aliases first, since they decide which declarations are bound. Parameters that are not global are bound
-    // along with the others, and those of stacks for the longest chain, so that the audio thread finds all of them bound
-    // and need not wait for their lock.
-    visitTree(definition, name, EStackVisit::all,
-              [&](const auto& def, const CString& path) { enterRemaps(collector, def, path); });
-    visitTree(definition, name, EStackVisit::all,
-              [&](const auto& def, const CString& path) { bindParams(collector, def, path); });
-    visitTree(definition, name, EStackVisit::first, [&](const auto& def, const CString& path) {
+    // along with the others, so that the audio thread finds them bound and need not wait for their lock.
+    const auto visitAll = [&](const auto& visit) { visitTree({definition, name}, EExpansion::all, visit); };
+    visitAll([&](const auto& def, const CString& path, const CString&) { enterRemaps(collector, def, path); });
+    visitAll([&](const auto&, const CString& path, const CString& commonPath) {
+        if (!commonPath.empty()) {
+            collector.addTwinRenames(commonPath + ".", path + ".");
+        }
+    });
+    visitAll([&](const auto& def, const CString& path, const CString&) { bindParams(collector, def, path); });
+    visitAll([&](const auto& def, const CString& path, const CString&) {
         linkSharedStorages(collector, def, path);
         // Filters between parameters attach here, when all they read and write is bound.
     });

@@ -52,6 +52,11 @@ void CAudioParamCollector::addRename(const CString& original, const CString& ren
     m_renames.add(original, renamed);
 }
 
+void CAudioParamCollector::addTwinRenames(const CString& prefix, const CString& twin)
+{
+    m_renames.addTwins(prefix, twin);
+}
+
 void CAudioParamCollector::listParams(CArray<CAudioParam*>& out) const
 {
     const std::size_t first = out.size();

@@ -46,6 +46,8 @@ public:
     [[nodiscard]] bool isRenamed(const CString& path) const;
     /// Enters an alias of absolute paths. Thread: any.
     void addRename(const CString& original, const CString& renamed);
+    /// Gives all paths below `twin` the aliases that the paths below `prefix` have. Thread: any.
+    void addTwinRenames(const CString& prefix, const CString& twin);
     /// All parameters in the order of their paths. Thread: any; a parameter stays as long as the collector.
     void listParams(CArray<CAudioParam*>& out) const;
     /// The key that listeners of a parameter attach with.

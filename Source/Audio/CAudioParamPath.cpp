@@ -42,4 +42,18 @@ CString resolveParamPath(const CString& processName, const CString& path)
     return result;
 }
 
+CString paramProcessName(const CString& processName)
+{
+    CString result;
+    bool isPosition = false;
+    for (std::size_t i = 0; i < processName.length(); ++i) {
+        const char16_t unit = processName.at(i);
+        isPosition = unit == u'#' || (isPosition && unit != u'.');
+        if (!isPosition) {
+            result.append(unit);
+        }
+    }
+    return result;
+}
+
 } // namespace qrb

@@ -15,6 +15,19 @@ void CAudioParamRenameMap::add(const CString& original, const CString& renamed)
     static_cast<CAudioParamRename*>(entry)->setTarget(renamed);
 }
 
+void CAudioParamRenameMap::addTwins(const CString& prefix, const CString& twin)
+{
+    // What joins on the way stands in front of where the walk is.
+    for (CAudioParamPathEntry* entry = m_renames.newest(); entry != nullptr;
+         entry = CAudioParamPathTree::older(*entry)) {
+        if (!entry->path().startsWith(prefix))
+            continue;
+        const CString path = twin + entry->path().substr(prefix.length());
+        if (m_renames.find(path) == nullptr)
+            add(path, entry->path());
+    }
+}
+
 const CString& CAudioParamRenameMap::resolve(const CString& path) const
 {
     const CString* resolved = &path;

@@ -15,6 +15,9 @@ public:
 
     /// Enters an alias; a later one for the same path replaces it, one to the path itself does nothing.
     void add(const CString& original, const CString& renamed);
+    /// Makes every path that begins with `twin` an alias of the one that begins with `prefix` instead, where that one
+    /// is an alias itself. Aliases that the twin has already stay.
+    void addTwins(const CString& prefix, const CString& twin);
     /// The path behind all aliases: `path` itself, or a text that stays as long as the map.
     [[nodiscard]] const CString& resolve(const CString& path) const;
 

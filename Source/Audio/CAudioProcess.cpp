@@ -105,29 +105,6 @@ bool CAudioProcess::updateStates()
     return isChanged;
 }
 
-void CAudioProcess::announceInner()
-{
-    m_innerLines.clear();
-    for (int port = 0; port < portCount(); ++port) {
-        for (const CAudioLine& line : lines(port)) {
-            m_innerLines.append({line.channel, line.group, port, inputLatency(), sampleRate()});
-        }
-    }
-    m_innerInput.setLines(m_innerLines.span());
-}
-
-void CAudioProcess::processLines()
-{
-    int index = 0;
-    for (int port = 0; port < portCount(); ++port) {
-        for (const CAudioLine& line : lines(port)) {
-            m_innerInput.send(index++, line.buffer, blockLength());
-        }
-    }
-    releaseInputs(); // what the children are done with may serve them again
-    runSequence();
-}
-
 void CAudioProcess::rewire()
 {
     sequenceStore().clear();
@@ -189,7 +166,7 @@ bool CAudioProcess::createNode(CAudioProcessItem* item)
 
 void CAudioProcess::connectLink(const CAudioProcessLink& link, CAudioProcessItem* destination)
 {
-    CAudioLineSource& source = link.source == nullptr ? m_innerInput : link.source->node->output();
+    CAudioLineSource& source = link.source == nullptr ? innerInput() : link.source->node->output();
     CAudioLineSink& sink = destination == nullptr ? innerOutput() : destination->node->input();
     const int rank = link.source == nullptr ? 0 : link.source->index + 1;
     source.connect(link.sourcePort, sink, link.destinationPort,
@@ -203,7 +180,7 @@ void CAudioProcess::connectLink(const CAudioProcessLink& link, CAudioProcessItem
 
 void CAudioProcess::disconnectLink(const CAudioProcessLink& link, CAudioProcessItem* destination)
 {
-    CAudioLineSource& source = link.source == nullptr ? m_innerInput : link.source->node->output();
+    CAudioLineSource& source = link.source == nullptr ? innerInput() : link.source->node->output();
     CAudioLineSink& sink = destination == nullptr ? innerOutput() : destination->node->input();
     source.disconnect(link.sourcePort, sink, link.destinationPort);
     for (CAudioProcessItem* item : {link.source, destination}) {

@@ -25,13 +25,9 @@ public:
     /// The node of a child, or null while none exists.
     [[nodiscard]] CAudioProcessBase* findNode(const CString& name);
 
-protected:
-    void processLines() override;
-
 private:
     void initStates();
     [[nodiscard]] bool updateStates();
-    void announceInner();
     void rewire();
     void applyLinks(CAudioProcessLinkList& links, CAudioProcessItem* destination);
     [[nodiscard]] bool createNode(CAudioProcessItem* item);
@@ -41,8 +37,6 @@ private:
     void dropDisabled();
 
     const CAudioProcessDef* m_processDef = nullptr;
-    CAudioLineSource m_innerInput; ///< where inner nodes get the input of this node from
-    CArray<CAudioLineInfo> m_innerLines;
     CAudioProcessGraph m_graph;
     std::uint8_t m_statesDirty = 1;
     bool m_isRebuildDue = true;

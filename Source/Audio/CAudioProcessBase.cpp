@@ -62,6 +62,7 @@ CErrorPtr CAudioProcessBase::setUp(const CAudioProcessSetup& setup)
     m_context = setup.context;
     m_definition = setup.definition;
     m_name = setup.name;
+    m_paramName = paramProcessName(m_name);
     m_groupIndex = setup.groupIndex;
     m_elementIndex = setup.elementIndex + setup.definition->stackIndexShift();
     if (m_context.collector != nullptr) {
@@ -74,7 +75,7 @@ CErrorPtr CAudioProcessBase::setUp(const CAudioProcessSetup& setup)
 
 void CAudioProcessBase::bindParams()
 {
-    declareProcessParams(*m_context.collector, *m_definition, m_name);
+    declareProcessParams(*m_context.collector, *m_definition, m_paramName);
     const auto& allocs = m_definition->paramAllocs();
     m_boundParams.resize(allocs.size());
     std::size_t place = 0;
@@ -97,7 +98,7 @@ void CAudioProcessBase::attachParam(CAudioBoundParam& param, const CString& path
     if (m_context.collector == nullptr) {
         return;
     }
-    param.param = &m_context.collector->getParam(resolveParamPath(m_name, path));
+    param.param = &m_context.collector->getParam(resolveParamPath(m_paramName, path));
     param.reader = param.param->attachReader(param.storage, dirtyFlag, &param.mask, group, element);
 }
 

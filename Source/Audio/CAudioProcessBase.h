@@ -118,6 +118,7 @@ private:
     CAudioProcessContext m_context;
     const CAudioProcessDefBase* m_definition = nullptr;
     CString m_name;
+    CString m_paramName; ///< where its parameters are looked up
     int m_groupIndex = -1;
     int m_elementIndex = 0;
     double m_sampleRate = 1.0;

@@ -2,6 +2,7 @@
 #include "Audio/CAudioProcessComposite.h"
 
 #include "Audio/CAudioProcessConnection.h"
+#include "Core/CLog.h"
 
 #include <cstdint>
 
@@ -23,6 +24,40 @@ void CAudioProcessComposite::reset()
     for (CAudioProcessConnection* connection : m_innerOutput.connections()) {
         connection->reset();
     }
+}
+
+void CAudioProcessComposite::announceInner()
+{
+    m_innerLines.clear();
+    for (int port = 0; port < portCount(); ++port) {
+        for (const CAudioLine& line : lines(port)) {
+            m_innerLines.append({line.channel, line.group, port, inputLatency(), sampleRate()});
+        }
+    }
+    m_innerInput.setLines(m_innerLines.span());
+}
+
+std::unique_ptr<CAudioProcessBase> CAudioProcessComposite::makeInner(const CAudioProcessDefBase& innerDefinition,
+                                                                     const CString& name, int element,
+                                                                     EExpansion expansion)
+{
+    std::unique_ptr<CAudioProcessBase> node;
+    const CErrorPtr error =
+        instantiateProcess({context(), &innerDefinition, name, groupIndex(), element, expansion}, node);
+    logError(error);
+    return node;
+}
+
+void CAudioProcessComposite::processLines()
+{
+    int index = 0;
+    for (int port = 0; port < portCount(); ++port) {
+        for (const CAudioLine& line : lines(port)) {
+            m_innerInput.send(index++, line.buffer, blockLength());
+        }
+    }
+    releaseInputs(); // what the inner nodes are done with may serve them again
+    runSequence();
 }
 
 void CAudioProcessComposite::runSequence()

@@ -4,6 +4,8 @@
 #include "Audio/CAudioProcessBase.h"
 #include "Core/CArray.h"
 
+#include <memory>
+
 namespace qrb {
 
 /// Node that runs other nodes. What they link to its output comes out of it line by line: lines of one channel meet
@@ -19,12 +21,24 @@ protected:
     /// Where inner nodes link to the output of this node; the port of a line there is the output port.
     [[nodiscard]] CAudioLineSink& innerOutput() { return m_innerOutput; }
     [[nodiscard]] CArray<CAudioProcessBase*>& sequenceStore() { return m_sequence; }
+    /// Where inner nodes get the input of this node from, each line under its port.
+    [[nodiscard]] CAudioLineSource& innerInput() { return m_innerInput; }
+    /// In update(), when the configuration changed: announces the input lines to the inner nodes.
+    void announceInner();
+    /// A node inside this one, in its group. Null, with a line in the log, if it cannot be made.
+    [[nodiscard]] std::unique_ptr<CAudioProcessBase> makeInner(const CAudioProcessDefBase& innerDefinition,
+                                                               const CString& name, int element,
+                                                               EExpansion expansion = EExpansion::all);
+    /// Hands the input lines to the inner nodes and runs them.
+    void processLines() override;
     /// Runs the sequence, then hands on what reached the output.
     void runSequence();
 
 private:
     void announceOutput();
 
+    CAudioLineSource m_innerInput;
+    CArray<CAudioLineInfo> m_innerLines;
     CAudioLineSink m_innerOutput;
     CArray<CAudioProcessBase*> m_sequence;
     CArray<CAudioLineInfo> m_announced;

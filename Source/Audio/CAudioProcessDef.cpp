@@ -29,6 +29,15 @@ CErrorPtr CAudioProcessDef::initChilds()
     return nullptr;
 }
 
+void CAudioProcessDef::visitInner(const std::function<void(const CAudioInnerProcess&)>& visit) const
+{
+    for (const CAudioProcessDefBase* process : m_processes) {
+        if (!process->isPrototype()) {
+            visit({*process, process->getName()});
+        }
+    }
+}
+
 std::unique_ptr<CAudioProcessBase> CAudioProcessDef::createProcess() const
 {
     return std::make_unique<CAudioProcess>();

@@ -14,6 +14,7 @@ public:
     [[nodiscard]] CErrorPtr init() override;
     [[nodiscard]] CErrorPtr initChilds() override;
     [[nodiscard]] std::unique_ptr<CAudioProcessBase> createProcess() const override;
+    void visitInner(const std::function<void(const CAudioInnerProcess&)>& visit) const override;
 
     [[nodiscard]] bool isAutoLinks() const { return m_isAutoLinks; }
     /// In order of declaration.

@@ -29,4 +29,20 @@ CErrorPtr CAudioProcessDefBase::init()
     return nullptr;
 }
 
+void CAudioProcessDefBase::visitInner(const std::function<void(const CAudioInnerProcess&)>&) const {}
+
+CErrorPtr CAudioProcessDefBase::findProcess(const CString& path, const CAudioProcessDefBase*& out) const
+{
+    const CObject* found = findObject(path);
+    out = dynamic_cast<const CAudioProcessDefBase*>(found);
+    if (out != nullptr) {
+        return nullptr;
+    }
+    return found != nullptr
+               ? QRB_ERROR("@qrbstr_CObject_findObjectChecked_CastError Incompatible type of object '%1' ('%2')", path,
+                           fullName())
+               : QRB_ERROR("@qrbstr_CObject_findObjectChecked_FindError Unable to find object '%1' ('%2')", path,
+                           fullName());
+}
+
 } // namespace qrb

@@ -3,11 +3,21 @@
 
 #include "Audio/CAudioProcessDefBaseInit.h"
 
+#include <functional>
 #include <memory>
 
 namespace qrb {
 
 class CAudioProcessBase;
+
+class CAudioProcessDefBase;
+
+/// A definition that nodes of another one instantiate.
+struct CAudioInnerProcess {
+    const CAudioProcessDefBase& definition;
+    CString name;            ///< of the instance, below the node that makes it
+    CString commonName = {}; ///< name that remaps know it under as well, whichever of several stands there; or empty
+};
 
 /// How several sources of one channel merge on a port.
 enum class EInputCombo { sum, average, maximum };
@@ -22,6 +32,10 @@ public:
 
     /// Makes the plain node of this definition; setup and expansion are instantiateProcess()'s.
     [[nodiscard]] virtual std::unique_ptr<CAudioProcessBase> createProcess() const = 0;
+    /// Calls `visit` for every definition that nodes of this one may instantiate.
+    virtual void visitInner(const std::function<void(const CAudioInnerProcess&)>& visit) const;
+    /// The process definition at a path from here; an error where there is none.
+    [[nodiscard]] CErrorPtr findProcess(const CString& path, const CAudioProcessDefBase*& out) const;
 
     [[nodiscard]] const CString& multibandFreqParam() const { return m_multibandFreqParam; }
     [[nodiscard]] const CString& multibandCountParam() const { return m_multibandCountParam; }

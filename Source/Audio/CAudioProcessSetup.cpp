@@ -4,6 +4,7 @@
 #include "Audio/CAudioParamBinding.h"
 #include "Audio/CAudioProcessBase.h"
 #include "Audio/CAudioProcessDefBase.h"
+#include "Audio/CAudioProcessMB.h"
 #include "Audio/CAudioProcessStack.h"
 
 namespace qrb {
@@ -15,6 +16,9 @@ std::unique_ptr<CAudioProcessBase> makeNode(const CAudioProcessDefBase& definiti
 {
     if (definition.isStacked() && expansion == EExpansion::all) {
         return std::make_unique<CAudioProcessStack>();
+    }
+    if (definition.isMultiband() && expansion != EExpansion::done) {
+        return std::make_unique<CAudioProcessMB>();
     }
     return definition.createProcess();
 }

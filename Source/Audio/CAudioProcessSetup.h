@@ -38,7 +38,7 @@ struct CAudioProcessSetup {
     EExpansion expansion = EExpansion::all;
 };
 
-/// Makes the node of a definition, expanded as the definition asks: a stack, or the node itself. Remaps and parameters
+/// Makes the node of a definition, expanded as the definition asks: a stack, a set of bands, or the node itself. Remaps and parameters
 /// of the definition are entered on the way. On an error `out` is null.
 [[nodiscard]] CErrorPtr instantiateProcess(const CAudioProcessSetup& setup, std::unique_ptr<CAudioProcessBase>& out);
 
