@@ -24,4 +24,10 @@ CErrorPtr CAudioParamAllocDef::init()
     return {};
 }
 
+CString CAudioParamAllocDef::slotName() const
+{
+    const CString name = getName();
+    return name.substr(0, name.find(u'#'));
+}
+
 } // namespace qrb

@@ -12,6 +12,9 @@ public:
 
     CErrorPtr init() override;
 
+    /// What a module calls the value: the object's name, less the number that tells it from a parameter declared beside it
+    /// under the same name.
+    [[nodiscard]] CString slotName() const;
     /// Path relative to the process.
     [[nodiscard]] const CString& paramName() const { return m_paramName; }
     [[nodiscard]] std::int32_t index() const { return m_index; }

@@ -22,11 +22,12 @@ std::string& probeLog()
     return log;
 }
 
-std::string document(const std::string& body, const std::string& attrs)
+std::string document(const std::string& body, const std::string& attrs, const std::string& siblings)
 {
-    return "<shared><core:object name='audio'><core:object name='paramcvt'><audio:cvt-real name='real'/></core:object>"
-           "<audio:process-def name='modMain' " +
-           attrs + ">" + body + "</audio:process-def><audio:modOutput name='modOutput'/></core:object></shared>";
+    return "<shared><core:object name='audio'><core:object name='paramcvt'><audio:cvt-real "
+           "name='real'/></core:object>" +
+           siblings + "<audio:process-def name='modMain' " + attrs + ">" + body +
+           "</audio:process-def><audio:modOutput name='modOutput'/></core:object></shared>";
 }
 
 } // namespace
@@ -77,10 +78,10 @@ void CProbeModule::process()
     m_age += blockLength();
 }
 
-CGraphRig::CGraphRig(const std::string& body, const std::string& attrs)
+CGraphRig::CGraphRig(const std::string& body, const std::string& attrs, const std::string& siblings)
 {
-    m_module =
-        std::make_unique<CTestModule>(document(body, attrs), CTestModuleOptions{{audioCreators(), kRows}, nullptr});
+    m_module = std::make_unique<CTestModule>(document(body, attrs, siblings),
+                                             CTestModuleOptions{{audioCreators(), kRows}, nullptr});
     CObject& root = m_module->loadRoot("<root><core:object name='plugin'><audio:audio-env name='audio-env'/>"
                                        "<audio:param-collector name='param-collector' env='^audio-env'/>"
                                        "</core:object></root>");

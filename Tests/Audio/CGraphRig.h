@@ -59,8 +59,9 @@ public:
         int group;
     };
 
-    /// `body` are the children of the process, `attrs` its attributes.
-    explicit CGraphRig(const std::string& body, const std::string& attrs = "is-auto-links='true'");
+    /// `body` are the children of the process, `attrs` its attributes, `siblings` what stands beside it in "audio".
+    explicit CGraphRig(const std::string& body, const std::string& attrs = "is-auto-links='true'",
+                       const std::string& siblings = "");
     ~CGraphRig();
 
     /// Lines from the next block on, all on port 0.

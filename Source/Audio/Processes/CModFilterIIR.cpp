@@ -31,7 +31,7 @@ void CModFilterIIRModule::regParams()
     m_params.clear();
     for (const auto& [index, alloc] : node().definition().paramAllocs()) {
         if (index != 0)
-            m_named.append({regParam(index, 0.0), m_params.add(alloc->getName())});
+            m_named.append({regParam(index, 0.0), m_params.add(alloc->slotName())});
     }
 }
 
