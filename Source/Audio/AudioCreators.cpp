@@ -34,11 +34,13 @@
 #include "Audio/Processes/CModAlphaEnv.h"
 #include "Audio/Processes/CModBypass.h"
 #include "Audio/Processes/CModClip.h"
+#include "Audio/Processes/CModDecimator.h"
 #include "Audio/Processes/CModDelay.h"
 #include "Audio/Processes/CModDenormNoise.h"
 #include "Audio/Processes/CModFilterFIR.h"
 #include "Audio/Processes/CModFilterIIR.h"
 #include "Audio/Processes/CModGain.h"
+#include "Audio/Processes/CModInterpolator.h"
 #include "Audio/Processes/CModLatencyUniformer.h"
 #include "Audio/Processes/CModLeveler.h"
 #include "Audio/Processes/CModMSCoder.h"
@@ -49,6 +51,7 @@
 #include "Audio/Processes/CModOutput.h"
 #include "Audio/Processes/CModProcessSwitchDef.h"
 #include "Audio/Processes/CModRMS.h"
+#include "Audio/Processes/CModResamplerDef.h"
 #include "Audio/Processes/CModRouter.h"
 #include "Audio/Processes/CModSidechain.h"
 #include "Audio/Processes/CModSidechainMute.h"
@@ -84,11 +87,13 @@ std::span<const CCreatorRow> audioCreators()
         creatorRow<CModAlphaEnvDef>("audio:modAlphaEnv"),
         creatorRow<CModBypassDef>("audio:modBypass"),
         creatorRow<CModClipDef>("audio:modClip"),
+        creatorRow<CModDecimatorDef>("audio:modDecimator"),
         creatorRow<CModDelayDef>("audio:modDelay"),
         creatorRow<CModDenormNoiseDef>("audio:modDenormNoise"),
         creatorRow<CModFilterFIRDef>("audio:modFilterFIR"),
         creatorRow<CModFilterIIRDef>("audio:modFilterIIR"),
         creatorRow<CModGainDef>("audio:modGain"),
+        creatorRow<CModInterpolatorDef>("audio:modInterpolator"),
         creatorRow<CModLatencyUniformerDef>("audio:modLatencyUniformer"),
         creatorRow<CModLevelerDef>("audio:modLeveler"),
         creatorRow<CModMSCoderDef>("audio:modMSCoder"),
@@ -99,6 +104,7 @@ std::span<const CCreatorRow> audioCreators()
         creatorRow<CModOutputDef>("audio:modOutput"),
         creatorRow<CModProcessSwitchDef>("audio:modProcessSwitch"),
         creatorRow<CModRMSDef>("audio:modRMS"),
+        creatorRow<CModResamplerDef>("audio:modResampler"),
         creatorRow<CModRouterDef>("audio:modRouter"),
         creatorRow<CModSidechainDef>("audio:modSidechain"),
         creatorRow<CModSidechainMuteDef>("audio:modSidechainMute"),

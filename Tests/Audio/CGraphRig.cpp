@@ -152,7 +152,7 @@ std::map<int, std::vector<double>> CGraphRig::run(int count, int block)
         for (const CAudioLine& line : m_output->lines()) {
             if (line.buffer)
                 result[line.channel].insert(result[line.channel].end(), line.buffer.data(),
-                                            line.buffer.data() + length);
+                                            line.buffer.data() + m_output->blockLength());
         }
         m_output->releaseInputs();
     }

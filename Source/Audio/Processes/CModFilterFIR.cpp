@@ -43,7 +43,7 @@ void CModFilterFIRModule::regParams()
     m_log2Block.unbound = 7.0;
     m_named.clear();
     for (const auto& [index, alloc] : node().definition().paramAllocs()) {
-        const CString name = alloc->getName();
+        const CString name = alloc->slotName();
         if (CAudioParamSlot* special = specialSlot(name))
             *special = regParam(index, special->unbound);
         else
