@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/Filters/CFilterBank.h"
+#include "Audio/Processes/RateMath.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cmath>
+#include <span>
+#include <vector>
+
+// Two lines of 512 samples up by recursive half-band stages and down again, as the resamplers do it without the graph
+// around them; "ns/frame" is one sample of both lines at the lower rate. The floor copies the same samples.
+namespace {
+
+constexpr std::size_t kLength = 512;
+constexpr std::size_t kLines = 2;
+constexpr int kMaxStages = 3;
+
+qrb::CAudioFilterStageList makeFilter(bool isSteep)
+{
+    static constexpr double kSteepA[] = {0.0358327884310621, 0.2720401433964577, 0.5720571972357002,
+                                         0.8271247619973238};
+    static constexpr double kSteepB[] = {0.1340901419430669, 0.4243248712718684, 0.7062921421386392,
+                                         0.9415030941737552};
+    static constexpr double kSoftA[] = {0.042454709865267684, 0.39331989319032801};
+    static constexpr double kSoftB[] = {0.17073985049749907, 0.74571358872022298};
+    qrb::CAudioFilterStageList list;
+    if (isSteep)
+        list.append(static_cast<qrb::EFilterKind>(4), kSteepA, kSteepB, nullptr);
+    else
+        list.append(static_cast<qrb::EFilterKind>(2), kSoftA, kSoftB, nullptr);
+    return list;
+}
+
+/// Samples of all lines at each rate.
+struct CRates {
+    std::vector<double> samples[kMaxStages + 1][kLines];
+
+    CRates()
+    {
+        for (int rate = 0; rate <= kMaxStages; ++rate)
+            for (auto& line : samples[rate]) {
+                line.resize(kLength << rate);
+                for (std::size_t n = 0; n < line.size(); ++n)
+                    line[n] = std::sin(0.1 * static_cast<double>(n));
+            }
+    }
+    /// Runs a filter in place.
+    void filter(qrb::CFilterBank& bank, int rate)
+    {
+        double* const lines[kLines] = {samples[rate][0].data(), samples[rate][1].data()};
+        bank.run(lines, lines, samples[rate][0].size());
+    }
+};
+
+void report(benchmark::State& state)
+{
+    state.counters["ns/frame"] = benchmark::Counter(static_cast<double>(state.iterations()) * kLength * 1e-9,
+                                                    benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+void recursiveUpAndDown(benchmark::State& state)
+{
+    const int stages = static_cast<int>(state.range(0));
+    CRates rates;
+    qrb::CFilterBank up[kMaxStages];
+    qrb::CFilterBank down[kMaxStages];
+    for (int stage = 0; stage < stages; ++stage) {
+        for (qrb::CFilterBank* bank : {&up[stage], &down[stage]}) {
+            bank->setLineCount(kLines);
+            bank->apply(makeFilter(stage == 0), 44100.0 * (2 << stage));
+        }
+    }
+    for (auto _ : state) {
+        for (int stage = 0; stage < stages; ++stage) {
+            for (std::size_t i = 0; i < kLines; ++i)
+                qrb::stuffZeros(rates.samples[stage][i], rates.samples[stage + 1][i]);
+            rates.filter(up[stage], stage + 1);
+        }
+        for (int stage = stages - 1; stage >= 0; --stage) {
+            rates.filter(down[stage], stage + 1);
+            for (std::size_t i = 0; i < kLines; ++i)
+                qrb::takeEverySecond(rates.samples[stage + 1][i], rates.samples[stage][i]);
+        }
+        benchmark::ClobberMemory();
+    }
+    report(state);
+}
+
+void rateChangesAlone(benchmark::State& state)
+{
+    const int stages = static_cast<int>(state.range(0));
+    CRates rates;
+    for (auto _ : state) {
+        for (int stage = 0; stage < stages; ++stage)
+            for (std::size_t i = 0; i < kLines; ++i)
+                qrb::stuffZeros(rates.samples[stage][i], rates.samples[stage + 1][i]);
+        for (int stage = stages - 1; stage >= 0; --stage)
+            for (std::size_t i = 0; i < kLines; ++i)
+                qrb::takeEverySecond(rates.samples[stage + 1][i], rates.samples[stage][i]);
+        benchmark::ClobberMemory();
+    }
+    report(state);
+}
+
+void floorCopy(benchmark::State& state)
+{
+    const int stages = static_cast<int>(state.range(0));
+    CRates rates;
+    CRates copies;
+    for (auto _ : state) {
+        for (int rate = 0; rate < stages; ++rate)
+            for (std::size_t i = 0; i < kLines; ++i) {
+                std::ranges::copy(rates.samples[rate + 1][i], copies.samples[rate + 1][i].begin());
+                std::ranges::copy(rates.samples[rate][i], copies.samples[rate][i].begin());
+            }
+        benchmark::ClobberMemory();
+    }
+    report(state);
+}
+
+BENCHMARK(recursiveUpAndDown)->DenseRange(1, kMaxStages);
+BENCHMARK(rateChangesAlone)->DenseRange(1, kMaxStages);
+BENCHMARK(floorCopy)->DenseRange(1, kMaxStages);
+
+} // namespace
+
+BENCHMARK_MAIN();
