@@ -21,7 +21,7 @@ struct CAudioBandPort {
 /// What a multiband node keeps for one band.
 class CAudioBandRec : public CCheckedObject {
 public:
-    /// Null if there is none; it is not made then either.
+    /// The filters of an input port; null where it is not connected.
     [[nodiscard]] CAudioBandPort* findPort(int port)
     {
         for (CAudioBandPort& entry : ports) {
