@@ -88,7 +88,7 @@ CErrorPtr CAudioProcessBypassStateDef::init()
 
     const auto read = [this](const char* attr, std::optional<CRange>& out) {
         const CString text = getAttrString(attr);
-        return text.empty() || CRange::parse(text, out.emplace());
+        return text.empty() || CRange::parse(text, (out = CRange{}).value());
     };
     if (!read("range", m_range)) {
         return QRB_ERROR("@qrbstr_CAudioProcessBypassStateDef_init_InvalidRange Invalid 'range' attribute value '%1' "

@@ -9,7 +9,6 @@
 
 namespace qrb {
 
-static constexpr std::uint32_t kTextChunk = chunkId("dstr");
 static constexpr std::uint32_t kRawChunk = chunkId("adat");
 
 CSharedParam::CSharedParam(CAudioParam& param, CAppData& store, const CString& dataName)

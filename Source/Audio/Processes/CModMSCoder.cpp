@@ -49,8 +49,8 @@ void CModMSCoder::findPairs()
         else if (pair->second < 0)
             pair->second = index;
     }
-    const auto alone = std::ranges::remove_if(m_pairs.span(), [](const CPair& pair) { return pair.second < 0; });
-    m_pairs.resize(m_pairs.size() - alone.size());
+    const auto kept = std::remove_if(m_pairs.begin(), m_pairs.end(), [](const CPair& pair) { return pair.second < 0; });
+    m_pairs.resize(static_cast<std::size_t>(kept - m_pairs.begin()));
 }
 
 void CModMSCoder::processPair(const CPair& pair)
