@@ -199,9 +199,7 @@ void CRenderJob::printList()
                     p.values.c_str());
         if (!p.min.empty())
             std::printf("  (%s to %s%s%s)", p.min.c_str(), p.max.c_str(), p.unit.empty() ? "" : " ", p.unit.c_str());
-        if (p.defaults != p.values)
-            std::printf("  default %s", p.defaults.c_str());
-        std::printf("\n");
+        std::printf("  default %s\n", p.defaults.c_str());
     }
 }
 
