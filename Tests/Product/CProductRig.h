@@ -37,6 +37,7 @@ public:
         int inputs = 2;
         int outputs = 2;
         int sidechains = 0;
+        int bands = 1; ///< one band gives the input back; several turn its phase
     };
 
     explicit CProductRig(const CShape& shape);

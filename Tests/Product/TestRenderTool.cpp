@@ -54,9 +54,11 @@ protected:
         return out;
     }
 
-    /// Renders in.wav to out.wav, or whatever `words` say; gives the error line, empty on success.
+    /// Renders in.wav to out.wav, or whatever `words` say, in one band so that the phase stays; gives the error line,
+    /// empty on success.
     std::string render(std::vector<std::string> words)
     {
+        words.insert(words.begin(), {"--set", "modThumpcraft.xo-count=1", "--set", "modThumpcraft.xo-band-count=1"});
         std::string error;
         const std::optional<render::CRenderOptions> options = render::parseOptions(words, error);
         if (!options)
