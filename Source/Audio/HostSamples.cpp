@@ -2,7 +2,9 @@
 #include "Audio/HostSamples.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
+#include <limits>
 
 namespace qrb {
 
@@ -24,12 +26,24 @@ CPlace placeOf(const CHostBusFormat& format, int channel, int position)
     return {0, begin * stride + static_cast<std::size_t>(channel), stride};
 }
 
+/// No signal is as loud as this; squares and sums of such samples stay finite, so filters find back to rest.
+constexpr double kMostAmplitude = 1e9;
+
+/// What no signal can be must not get into a state: NaN and infinity are silence, absurd amplitudes are limited.
+double admitted(double sample)
+{
+    const double amplitude = std::abs(sample);
+    if (amplitude <= kMostAmplitude) [[likely]]
+        return sample;
+    return amplitude <= std::numeric_limits<double>::max() ? std::copysign(kMostAmplitude, sample) : 0.0;
+}
+
 template <typename T>
 void readSamples(const void* buffer, const CPlace& place, int count, double* samples)
 {
     const T* source = static_cast<const T*>(buffer) + place.first;
     for (int i = 0; i < count; ++i)
-        samples[i] = static_cast<double>(source[static_cast<std::size_t>(i) * place.stride]);
+        samples[i] = admitted(static_cast<double>(source[static_cast<std::size_t>(i) * place.stride]));
 }
 
 template <typename T>
