@@ -4,6 +4,7 @@
 #include "Audio/CAudioParamCells.h"
 #include "Audio/CAudioParamCollector.h"
 #include "Audio/CAudioParamUpdateHolder.h"
+#include "Audio/Presets/CAudioParamUndoEntry.h"
 
 #include <algorithm>
 #include <array>
@@ -71,10 +72,24 @@ bool CAudioParam::updateHeld(const CAudioParamUpdate& record, const CAudioParamG
         static_cast<std::size_t>(record.firstElement) * static_cast<std::size_t>(record.format.elementSize);
     if (!record.isTemplate() && first > present)
         return updateWithGap(record, guard, route);
-    // An undo history that watches storable and persistent parameters takes the state before and after here.
+    CAudioParamUndoEntry* const undo = undoOf(route);
+    if (undo != nullptr && record.isTemplate())
+        undo->captureBefore(path(), record.group, m_edit, false);
+    if (undo != nullptr)
+        undo->captureBefore(path(), record.storageGroup(), m_edit, false);
     m_edit.apply(record);
+    if (undo != nullptr && record.isTemplate())
+        undo->captureAfter(path(), record.group, m_edit, false);
+    if (undo != nullptr)
+        undo->captureAfter(path(), record.storageGroup(), m_edit, false);
     afterEdit(record, guard, route);
     return true;
+}
+
+CAudioParamUndoEntry* CAudioParam::undoOf(const CAudioParamRoute& route) const
+{
+    const CAudioParamInfo* const info = this->info();
+    return info != nullptr && (info->isStorable || info->isPersistent) ? route.undo : nullptr;
 }
 
 bool CAudioParam::updateFinite(const CAudioParamUpdate& record, const CAudioParamGuard& guard,

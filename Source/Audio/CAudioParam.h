@@ -16,14 +16,17 @@
 namespace qrb {
 
 class CAudioParamCollector;
+class CAudioParamUndoEntry;
 class CAudioParamUpdateList;
 
-/// How a change goes to the audio side.
+/// How a change goes to the audio side, and what gesture it belongs to. All that follows from a change goes the same way.
 struct CAudioParamRoute {
     /// Changes pile up here and are spliced into the queue in one step. Null: the collector's queue.
     CAudioParamUpdateList* deferredList = nullptr;
     /// Applies the change to what modules read at once. Thread: audio, or any while no audio runs.
     bool isImmediate = false;
+    /// Notes the groups of storable and persistent parameters before and after the change. Null: no history.
+    CAudioParamUndoEntry* undo = nullptr;
 };
 
 /// A parameter of one instance. Owned by the collector, made on first request of its path, unbound: changes to it are
@@ -109,6 +112,8 @@ private:
     [[nodiscard]] const CString& fullName() const { return path(); }
 
     bool updateHeld(const CAudioParamUpdate& record, const CAudioParamGuard& guard, const CAudioParamRoute& route);
+    /// The entry of the route, if the parameter is of those that a history holds.
+    [[nodiscard]] CAudioParamUndoEntry* undoOf(const CAudioParamRoute& route) const;
     bool updateWithGap(const CAudioParamUpdate& record, const CAudioParamGuard& guard, const CAudioParamRoute& route);
     bool updateFinite(const CAudioParamUpdate& record, const CAudioParamGuard& guard, const CAudioParamRoute& route);
     void afterEdit(const CAudioParamUpdate& record, const CAudioParamGuard& guard, const CAudioParamRoute& route);
@@ -125,6 +130,8 @@ private:
     void copyElement(std::int32_t group, std::int32_t element, const CAudioParamStorage& from,
                      std::span<const double> cells, bool isToEnd, const CAudioParamGuard& guard, const void* source,
                      const CAudioParamRoute& route);
+    void loadAll(CAudioParamStorage&& values, const CAudioParamGuard& guard, const void* source,
+                 const CAudioParamRoute& route);
     void loadPart(const CAudioParamStorage& values, const CLoadPlace& place, const CAudioParamGuard& guard,
                   const void* source, const CAudioParamRoute& route);
     void growTemplate(const CAudioParamStorage& values, bool isToEnd, const CAudioParamGuard& guard, const void* source,

@@ -2,6 +2,7 @@
 #include "Audio/CAudioParam.h"
 #include "Audio/CAudioParamCells.h"
 #include "Audio/CAudioParamCollector.h"
+#include "Audio/Presets/CAudioParamUndoEntry.h"
 #include "Core/CLog.h"
 #include "Core/CMemoryReaderStatic.h"
 #include "Core/COutputStream.h"
@@ -195,15 +196,26 @@ CErrorPtr CAudioParam::load(std::span<const std::uint8_t> data, const CLoadPlace
     } else if (place.group >= 0) {
         loadPart(values, place, guard, source, route);
     } else {
-        const std::int32_t groups = std::max(values.groupCount(), m_edit.groupCount());
-        m_edit = std::move(values);
-        for (std::int32_t g = 0; g < groups; ++g) {
-            CAudioParamUpdate record = m_edit.wholeGroup(g, g);
-            record.source = source;
-            afterEdit(record, guard, route);
-        }
+        loadAll(std::move(values), guard, source, route);
     }
     return {};
+}
+
+void CAudioParam::loadAll(CAudioParamStorage&& values, const CAudioParamGuard& guard, const void* source,
+                          const CAudioParamRoute& route)
+{
+    const std::int32_t groups = std::max(values.groupCount(), m_edit.groupCount());
+    CAudioParamUndoEntry* const undo = undoOf(route);
+    for (std::int32_t g = 0; undo != nullptr && g < groups; ++g)
+        undo->captureBefore(path(), g, m_edit, false);
+    m_edit = std::move(values);
+    for (std::int32_t g = 0; undo != nullptr && g < groups; ++g)
+        undo->captureAfter(path(), g, m_edit, false);
+    for (std::int32_t g = 0; g < groups; ++g) {
+        CAudioParamUpdate record = m_edit.wholeGroup(g, g);
+        record.source = source;
+        afterEdit(record, guard, route);
+    }
 }
 
 void CAudioParam::loadPart(const CAudioParamStorage& values, const CLoadPlace& place, const CAudioParamGuard& guard,
