@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <span>
+#include <utility>
 
 namespace qrb {
 
@@ -24,6 +25,10 @@ public:
     void noteChange() { ++m_changeCount; }
     [[nodiscard]] bool hasChanges() const { return m_changeCount != 0; }
     void clearChanges() { m_changeCount = 0; }
+    /// A block of so many samples is on its way.
+    void noteBlock(int length) { m_blockLength = length; }
+    /// Samples of the block that was noted last; 0 where none was since the last call.
+    [[nodiscard]] int takeBlockLength() { return std::exchange(m_blockLength, 0); }
     /// Removes all connections that end here.
     void disconnectAll();
 
@@ -34,6 +39,7 @@ private:
 
     CArray<CAudioProcessConnection*> m_connections;
     std::uint32_t m_changeCount = 0;
+    int m_blockLength = 0;
 };
 
 } // namespace qrb

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/CAudioLineSource.h"
 
+#include "Audio/CAudioGraphChanges.h"
+#include "Audio/CAudioLineRoute.h"
 #include "Audio/CAudioLineSink.h"
 #include "Audio/CAudioProcessConnection.h"
 
@@ -26,6 +28,7 @@ void CAudioLineSource::connect(int port, CAudioLineSink& sink, int sinkPort, int
         *m_connections.append(std::make_unique<CAudioProcessConnection>(*this, port, sink, sinkPort, order));
     connection.setLines(m_lines.span());
     sink.add(connection);
+    noteChange();
 }
 
 void CAudioLineSource::disconnect(int port, CAudioLineSink& sink, int sinkPort)
@@ -47,6 +50,7 @@ void CAudioLineSource::disconnectAll()
 
 void CAudioLineSource::drop(CAudioProcessConnection& connection)
 {
+    noteChange();
     connection.sink().remove(connection);
     for (std::size_t i = 0; i < m_connections.size(); ++i) {
         if (m_connections[i].get() == &connection) {
@@ -61,6 +65,7 @@ void CAudioLineSource::setLines(std::span<const CAudioLineInfo> lines)
     if (std::ranges::equal(lines, m_lines.span())) {
         return;
     }
+    noteChange();
     m_lines.clear();
     m_lines.appendAll(lines);
     for (const auto& connection : m_connections) {
@@ -68,8 +73,39 @@ void CAudioLineSource::setLines(std::span<const CAudioLineInfo> lines)
     }
 }
 
+void CAudioLineSource::noteChange()
+{
+    if (m_changes != nullptr) {
+        ++m_changes->structure;
+    }
+}
+
+void CAudioLineSource::setRoutes(std::span<const CAudioLineRoute> routes, CAudioGraphChanges& changes)
+{
+    m_changes = &changes;
+    m_routes.clear();
+    m_routes.appendAll(routes);
+    m_routeEnds.clear();
+    for (std::size_t line = 0, end = 0; line < m_lines.size(); ++line) {
+        while (end < routes.size() && routes[end].index == static_cast<int>(line)) {
+            ++end;
+        }
+        m_routeEnds.append(end);
+    }
+}
+
 void CAudioLineSource::send(int index, const CSampleBuffer& buffer, int length)
 {
+    if (m_changes != nullptr && m_changes->isPlanned) {
+        const auto line = static_cast<std::size_t>(index);
+        for (std::size_t i = line == 0 ? 0 : m_routeEnds[line - 1]; i < m_routeEnds[line]; ++i) {
+            const CAudioLineRoute& route = m_routes[i];
+            route.line->buffer = buffer;
+            route.line->length = length;
+            route.sink->noteBlock(length);
+        }
+        return;
+    }
     for (const auto& connection : m_connections) {
         connection->send(index, buffer, length);
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Audio/CAudioLine.h"
+#include "Audio/CAudioLineRoute.h"
 #include "Core/CArray.h"
 
 #include <memory>
@@ -10,6 +10,7 @@
 namespace qrb {
 
 class CAudioLineSink;
+struct CAudioGraphChanges;
 class CAudioProcessConnection;
 
 /// Where connections begin: the output of a node, the input that a node offers to the nodes inside it, or the outside
@@ -31,12 +32,24 @@ public:
     [[nodiscard]] std::span<const CAudioLineInfo> lines() const { return m_lines.span(); }
     /// Announces the lines; sinks learn of it only where something differs.
     void setLines(std::span<const CAudioLineInfo> lines);
-    /// Hands this block of line `index` to every connection that carries it.
+    /// Hands this block of line `index` to every connection that carries it, or along its routes in a planned block.
     void send(int index, const CSampleBuffer& buffer, int length);
 
+    [[nodiscard]] std::span<const std::unique_ptr<CAudioProcessConnection>> connections() const
+    {
+        return m_connections.span();
+    }
+    /// Where the lines go in planned blocks, by ascending index. From now on `changes` hears of other lines and links.
+    void setRoutes(std::span<const CAudioLineRoute> routes, CAudioGraphChanges& changes);
+
 private:
+    void noteChange();
+
     CArray<CAudioLineInfo> m_lines;
     CArray<std::unique_ptr<CAudioProcessConnection>> m_connections;
+    CArray<CAudioLineRoute> m_routes;
+    CArray<std::size_t> m_routeEnds; ///< behind the last route of each line
+    CAudioGraphChanges* m_changes = nullptr;
 };
 
 } // namespace qrb

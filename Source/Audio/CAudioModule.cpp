@@ -14,6 +14,13 @@ void CAudioModule::update() {}
 
 void CAudioModule::regParams() {}
 
+void CAudioModule::processTogether(std::span<CAudioModule* const> modules)
+{
+    for (CAudioModule* const module : modules) {
+        module->process();
+    }
+}
+
 CSampleBufferPool& CAudioModule::pool() const
 {
     return m_node->pool();
@@ -22,26 +29,6 @@ CSampleBufferPool& CAudioModule::pool() const
 int CAudioModule::element() const
 {
     return m_node->elementIndex();
-}
-
-int CAudioModule::lineCount(int port) const
-{
-    const auto place = static_cast<std::size_t>(port);
-    return place < m_ports.size() ? static_cast<int>(m_ports[place].lines.size()) : 0;
-}
-
-const CAudioLine* CAudioModule::line(int port, int index) const
-{
-    if (index < 0 || index >= lineCount(port)) {
-        return nullptr;
-    }
-    return m_ports[static_cast<std::size_t>(port)].lines[static_cast<std::size_t>(index)];
-}
-
-const double* CAudioModule::input(int port, int index) const
-{
-    const CAudioLine* found = line(port, index);
-    return found == nullptr ? nullptr : found->buffer.data();
 }
 
 double* CAudioModule::writeOutput(int index)

@@ -38,6 +38,11 @@ public:
     virtual void regParams();
     /// Runs blockLength() samples, leaving one output for each line: writeOutput() or passInput().
     virtual void process() = 0;
+    /// The module's kind has a processTogether() of its own.
+    [[nodiscard]] virtual bool canRunTogether() const { return false; }
+    /// Runs the block for modules of this one's class that do not wait for each other, this one among them; each is
+    /// left as by its own process(), bit for bit.
+    virtual void processTogether(std::span<CAudioModule* const> modules);
 
     /// Samples this module adds to the latency of its input. 0 unless update() sets another.
     [[nodiscard]] int latency() const { return m_latency; }
@@ -55,11 +60,24 @@ protected:
 
     /// Number of outputs; also of lines on port 0, unless inputs of one channel are kept apart there.
     [[nodiscard]] int outputCount() const { return static_cast<int>(m_outputs.size()); }
-    [[nodiscard]] int lineCount(int port = 0) const;
+    [[nodiscard]] int lineCount(int port = 0) const
+    {
+        const auto place = static_cast<std::size_t>(port);
+        return place < m_ports.size() ? static_cast<int>(m_ports[place].lines.size()) : 0;
+    }
     /// Null where the port has no such line.
-    [[nodiscard]] const CAudioLine* line(int port = 0, int index = 0) const;
+    [[nodiscard]] const CAudioLine* line(int port = 0, int index = 0) const
+    {
+        return index < 0 || index >= lineCount(port)
+                   ? nullptr
+                   : m_ports[static_cast<std::size_t>(port)].lines[static_cast<std::size_t>(index)];
+    }
     /// Samples of a line in this block, blockLength() of them; null where the port has no such line.
-    [[nodiscard]] const double* input(int port = 0, int index = 0) const;
+    [[nodiscard]] const double* input(int port = 0, int index = 0) const
+    {
+        const CAudioLine* found = line(port, index);
+        return found == nullptr ? nullptr : found->buffer.data();
+    }
 
     /// A fresh buffer as output `index`, to be filled with blockLength() samples.
     [[nodiscard]] double* writeOutput(int index = 0);

@@ -151,6 +151,11 @@ void CAudioModuleInstance::runModule(CAudioModule& module, int length) const
 {
     module.m_blockLength = length;
     module.process();
+    fillOutputs(module, length);
+}
+
+void CAudioModuleInstance::fillOutputs(CAudioModule& module, int length) const
+{
     for (CSampleBuffer& buffer : module.m_outputs) {
         if (!buffer) {
             buffer = m_node.pool().getSilence(length);
@@ -158,16 +163,36 @@ void CAudioModuleInstance::runModule(CAudioModule& module, int length) const
     }
 }
 
+CAudioModule& CAudioModuleInstance::beginTogether(int blockLength)
+{
+    m_active->m_blockLength = blockLength;
+    return *m_active;
+}
+
+void CAudioModuleInstance::endTogether()
+{
+    fillOutputs(*m_active, m_active->m_blockLength);
+    takeOutputs();
+}
+
+void CAudioModuleInstance::takeOutputs()
+{
+    if (m_outputs.size() != m_active->m_outputs.size()) {
+        m_outputs.resize(m_active->m_outputs.size());
+    }
+    for (std::size_t i = 0; i < m_outputs.size(); ++i) {
+        m_outputs[i] = std::move(m_active->m_outputs[i]);
+    }
+}
+
 void CAudioModuleInstance::runSegment(int length, int fadeLength)
 {
     runModule(*m_active, length);
-    m_outputs.resize(m_active->m_outputs.size());
     if (!isFading()) {
-        for (std::size_t i = 0; i < m_outputs.size(); ++i) {
-            m_outputs[i] = std::move(m_active->m_outputs[i]);
-        }
+        takeOutputs();
         return;
     }
+    m_outputs.resize(m_active->m_outputs.size());
     runModule(*m_fading, length);
     const int hold = std::min(m_holdLeft, length);
     const int fade = std::min(m_fadeLeft, length - hold);

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <utility>
 
 namespace qrb {
 
@@ -28,6 +29,9 @@ public:
     [[nodiscard]] int channel() const { return m_channel; }
     [[nodiscard]] int group() const { return m_group; }
     [[nodiscard]] int latency() const { return m_active->latency(); }
+    /// True once after the latency has become another, by an update or by a fade that started.
+    [[nodiscard]] bool takeLatencyChange() { return std::exchange(m_announcedLatency, latency()) != latency(); }
+    [[nodiscard]] bool hasLatencyChange() const { return m_announcedLatency != latency(); }
     [[nodiscard]] int outputCount() const { return m_active->outputCount(); }
     [[nodiscard]] bool isFading() const { return m_fading != nullptr; }
 
@@ -45,6 +49,11 @@ public:
 
     /// Runs a block and leaves the outputs in outputs().
     void process(int blockLength, int fadeLength);
+    [[nodiscard]] bool canRunTogether() const { return m_active->canRunTogether(); }
+    /// The module, ready for CAudioModule::processTogether(); endTogether() then does the rest of process(). Not while
+    /// it fades.
+    [[nodiscard]] CAudioModule& beginTogether(int blockLength);
+    void endTogether();
     [[nodiscard]] std::span<CSampleBuffer> outputs() { return m_outputs.span(); }
     void releaseOutputs();
 
@@ -57,6 +66,8 @@ private:
     void runSegment(int length, int fadeLength);
     void runSplit(int blockLength, int fadeLength);
     void runModule(CAudioModule& module, int length) const;
+    void fillOutputs(CAudioModule& module, int length) const;
+    void takeOutputs();
     [[nodiscard]] CSampleBuffer mix(std::size_t output, int length, int hold, int fade);
     /// The next fade starts within a block of this length, so that it has to be cut there.
     [[nodiscard]] bool isCutNeeded(int blockLength) const
@@ -72,6 +83,7 @@ private:
     CArray<CSampleBuffer, 2> m_outputs;
     int m_channel = kAllLines;
     int m_group = 0;
+    int m_announcedLatency = 0;
     int m_holdLeft = 0;
     int m_fadeLeft = 0;
     bool m_isFadePending = false;

@@ -156,6 +156,7 @@ void CAudioParamCollector::applyTaken()
     while (CAudioParamUpdateRecord* const record = m_taken.takeFirst()) {
         record->param()->applyToAudio(*record);
         m_updatePool.giveFromAudio(record);
+        ++m_audioChangeCount;
     }
 }
 

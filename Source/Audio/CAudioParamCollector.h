@@ -66,6 +66,8 @@ public:
     void takeQueue();
     /// Applies what was taken to what modules read, and tells readers. Thread: audio, or any while no audio runs.
     void applyTaken();
+    /// Counts the changes that have been applied to what modules read. Thread: as applyTaken().
+    [[nodiscard]] std::uint32_t audioChangeCount() const { return m_audioChangeCount; }
     /// Both steps; takes the env's lock for the first. Thread: audio, or any while no audio runs.
     void flushQueue();
     /// Records waiting in the queue. Thread: any.
@@ -131,6 +133,7 @@ private:
 
     CArray<std::unique_ptr<CSharedParam>> m_sharedParams; ///< owner's thread only
     std::atomic<bool> m_hasSharedParams{false};
+    std::uint32_t m_audioChangeCount = 0;
 };
 
 } // namespace qrb

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/CAudioProcessBase.h"
 
+#include "Audio/CAudioGraphChanges.h"
 #include "Audio/CAudioParamAllocDef.h"
 #include "Audio/CAudioParamBinding.h"
 #include "Audio/CAudioParamCollector.h"
@@ -50,6 +51,27 @@ void CAudioProcessBase::process()
     runInputStep();
     processLines();
     releaseInputs();
+}
+
+void CAudioProcessBase::processPlanned()
+{
+    runPlannedInputStep();
+    processLines();
+    releaseInputs();
+}
+
+void CAudioProcessBase::requestUpdate()
+{
+    if (m_context.changes != nullptr) {
+        ++m_context.changes->requests;
+    }
+}
+
+void CAudioProcessBase::noteStructureChange()
+{
+    if (m_context.changes != nullptr) {
+        ++m_context.changes->structure;
+    }
 }
 
 void CAudioProcessBase::disconnectAll()
@@ -134,6 +156,7 @@ bool CAudioProcessBase::takeParamChanges()
 void CAudioProcessBase::addDelayedUpdate(double seconds, std::uint8_t* dirtyFlag)
 {
     m_delayedUpdates.append({seconds, dirtyFlag});
+    requestUpdate();
 }
 
 void CAudioProcessBase::cancelDelayedUpdates(const std::uint8_t* dirtyFlag)
@@ -153,6 +176,7 @@ void CAudioProcessBase::runDelayedUpdates()
         entry.seconds -= seconds;
         if (entry.seconds > 0.0) {
             ++i;
+            requestUpdate();
             continue;
         }
         *entry.dirtyFlag = 1;

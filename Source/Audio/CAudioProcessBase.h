@@ -37,6 +37,8 @@ public:
     virtual void update();
     /// Runs one block: the input step, processLines(), releaseInputs().
     virtual void process();
+    /// Runs one block of a plan: the same without looking for changes, and without the nodes inside this one.
+    virtual void processPlanned();
     /// Removes all links into this node.
     virtual void disconnectAll();
     /// Once, before `init`.
@@ -67,6 +69,8 @@ public:
     [[nodiscard]] CAudioLineSink& input() { return m_input; }
     [[nodiscard]] CAudioLineSource& output() { return m_output; }
 
+    /// The first part of processPlanned(): gathers the input buffers.
+    void runPlannedInputStep();
     /// The first part of process(): settles lines and latency, runs update(), gathers the input buffers.
     void runInputStep();
     /// Gives the input buffers of the block up.
@@ -90,7 +94,15 @@ protected:
     /// Valid in update(): sample rate, lines or latency of the inputs differ from the last pass.
     [[nodiscard]] bool isConfigurationChanged() const { return m_isConfigurationChanged; }
     /// Asks for a configuration pass: in the next block, or in this one from within init().
-    void requestConfiguration() { m_isConfigurationRequested = true; }
+    void requestConfiguration()
+    {
+        m_isConfigurationRequested = true;
+        requestUpdate();
+    }
+    /// The next block is not to be a planned one.
+    void requestUpdate();
+    /// Lines or links are others than a plan may have found.
+    void noteStructureChange();
     /// Takes and clears what changed of the bound parameters since the last call; false where nothing did.
     [[nodiscard]] bool takeParamChanges();
     [[nodiscard]] std::span<CAudioBoundParam> boundParams() { return m_boundParams.span(); }
@@ -109,7 +121,6 @@ private:
     [[nodiscard]] bool settleLines();
     void collectLines();
     void alignLines();
-    void findBlockLength();
     void runDelayedUpdates();
     void gatherBuffers();
     [[nodiscard]] CSampleBuffer mergeSources(const CAudioLine& line);

@@ -48,7 +48,28 @@ std::unique_ptr<CAudioProcessBase> CAudioProcessComposite::makeInner(const CAudi
     return node;
 }
 
-void CAudioProcessComposite::processLines()
+CArray<CAudioLineSource*, 8> CAudioProcessComposite::innerSources()
+{
+    CArray<CAudioLineSource*, 8> sources;
+    sources.append(&m_innerInput);
+    return sources;
+}
+
+CAudioProcessComposite::CInnerLine CAudioProcessComposite::innerLine(const CAudioLine& line)
+{
+    int index = 0;
+    for (int port = 0; port < portCount(); ++port) {
+        for (const CAudioLine& candidate : lines(port)) {
+            if (&candidate == &line) {
+                return {&m_innerInput, index};
+            }
+            ++index;
+        }
+    }
+    return {};
+}
+
+void CAudioProcessComposite::sendInner()
 {
     int index = 0;
     for (int port = 0; port < portCount(); ++port) {
@@ -56,6 +77,18 @@ void CAudioProcessComposite::processLines()
             m_innerInput.send(index++, line.buffer, blockLength());
         }
     }
+}
+
+void CAudioProcessComposite::processPlanned()
+{
+    runPlannedInputStep();
+    sendInner();
+    releaseInputs();
+}
+
+void CAudioProcessComposite::processLines()
+{
+    sendInner();
     releaseInputs(); // what the inner nodes are done with may serve them again
     runSequence();
 }
@@ -67,6 +100,7 @@ void CAudioProcessComposite::runSequence()
     }
     if (m_innerOutput.hasChanges()) {
         m_innerOutput.clearChanges();
+        noteStructureChange();
         announceOutput();
     }
     int index = 0;

@@ -13,13 +13,25 @@ namespace qrb {
 class CAudioProcessComposite : public CAudioProcessBase {
 public:
     void reset() override;
+    /// Hands the input lines to the inner nodes, which the plan runs.
+    void processPlanned() override;
 
     /// Nodes in the order they run.
     [[nodiscard]] std::span<CAudioProcessBase* const> sequence() const { return m_sequence.span(); }
 
-protected:
     /// Where inner nodes link to the output of this node; the port of a line there is the output port.
     [[nodiscard]] CAudioLineSink& innerOutput() { return m_innerOutput; }
+    /// Where inner nodes get the input lines from.
+    [[nodiscard]] virtual CArray<CAudioLineSource*, 8> innerSources();
+    /// A line that an inner source sends.
+    struct CInnerLine {
+        CAudioLineSource* source = nullptr;
+        int index = 0;
+    };
+    /// What becomes of an input line of this node; no source where it goes nowhere.
+    [[nodiscard]] virtual CInnerLine innerLine(const CAudioLine& line);
+
+protected:
     [[nodiscard]] CArray<CAudioProcessBase*>& sequenceStore() { return m_sequence; }
     /// Where inner nodes get the input of this node from, each line under its port.
     [[nodiscard]] CAudioLineSource& innerInput() { return m_innerInput; }
@@ -31,6 +43,8 @@ protected:
                                                                EExpansion expansion = EExpansion::all);
     /// Hands the input lines to the inner nodes and runs them.
     void processLines() override;
+    /// Hands the gathered input lines to the inner nodes.
+    virtual void sendInner();
     /// Runs the sequence, then hands on what reached the output.
     void runSequence();
 

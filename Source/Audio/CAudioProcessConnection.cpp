@@ -6,6 +6,7 @@
 #include "Audio/Processes/CDSPModDelay.h"
 #include "Core/CNumberText.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace qrb {
@@ -65,15 +66,26 @@ void CAudioProcessConnection::handOver(CArray<CLine>& lines, EMatch match)
     }
 }
 
+CAudioProcessConnection::CLine* CAudioProcessConnection::findLine(int sourceIndex)
+{
+    // Mostly all lines of the source go this way.
+    const auto place = static_cast<std::size_t>(sourceIndex);
+    if (place < m_lines.size() && m_lines[place].sourceIndex == sourceIndex) {
+        return &m_lines[place];
+    }
+    const auto found = std::ranges::find(m_lines, sourceIndex, &CLine::sourceIndex);
+    return found == m_lines.end() ? nullptr : found;
+}
+
 void CAudioProcessConnection::send(int sourceIndex, const CSampleBuffer& buffer, int length)
 {
-    for (CLine& line : m_lines) {
-        if (line.sourceIndex == sourceIndex) {
-            line.buffer = buffer;
-            line.length = length;
-            return;
-        }
+    CLine* line = findLine(sourceIndex);
+    if (line == nullptr) {
+        return;
     }
+    line->buffer = buffer;
+    line->length = length;
+    m_sink.noteBlock(length);
 }
 
 void CAudioProcessConnection::alignLine(CLine& line, int samples, CSampleBufferPool& pool)

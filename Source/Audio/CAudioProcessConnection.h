@@ -51,6 +51,9 @@ public:
         return m_sinkPort == kAllPorts ? line.info.port : m_sinkPort;
     }
 
+    /// The line that the source sends as `sourceIndex`, or null.
+    [[nodiscard]] CLine* findLine(int sourceIndex);
+
     /// Takes over what the source announces; lines that stay keep their delays. The sink learns of a difference.
     void setLines(std::span<const CAudioLineInfo> sourceLines);
     /// Takes this block of the source's line `sourceIndex`.

@@ -6,7 +6,7 @@
 #include "Audio/CSampleBufferPool.h"
 
 #include <algorithm>
-#include <array>
+#include <span>
 #include <utility>
 
 namespace qrb {
@@ -16,30 +16,34 @@ namespace {
 /// Sources that are added in one go.
 constexpr std::size_t kSumWidth = 4;
 
-void addFour(double* out, const std::array<CSampleBuffer, kSumWidth>& sources, int count)
+/// Adds up to kSumWidth lines to `first`, from left to right; `out` may be `first`.
+void addLines(double* out, const double* first, std::span<const CSampleBuffer> more, int count)
 {
-    const double* a = sources[0].data();
-    const double* b = sources[1].data();
-    const double* c = sources[2].data();
-    const double* d = sources[3].data();
-    for (int i = 0; i < count; ++i) {
-        out[i] = out[i] + a[i] + b[i] + c[i] + d[i];
+    const double* a = more[0].data();
+    const double* b = more.size() > 1 ? more[1].data() : nullptr;
+    const double* c = more.size() > 2 ? more[2].data() : nullptr;
+    const double* d = more.size() > 3 ? more[3].data() : nullptr;
+    const auto run = [&](auto sum) {
+        for (int i = 0; i < count; ++i) {
+            out[i] = sum(i);
+        }
+    };
+    switch (more.size()) {
+    case 1:
+        return run([&](int i) { return first[i] + a[i]; });
+    case 2:
+        return run([&](int i) { return first[i] + a[i] + b[i]; });
+    case 3:
+        return run([&](int i) { return first[i] + a[i] + b[i] + c[i]; });
+    default:
+        return run([&](int i) { return first[i] + a[i] + b[i] + c[i] + d[i]; });
     }
 }
 
-void addOne(double* out, const CSampleBuffer& source, int count)
+void maximize(double* out, const double* a, const double* b, int count)
 {
-    const double* in = source.data();
     for (int i = 0; i < count; ++i) {
-        out[i] += in[i];
-    }
-}
-
-void maximize(double* out, const CSampleBuffer& source, int count)
-{
-    const double* in = source.data();
-    for (int i = 0; i < count; ++i) {
-        out[i] = std::max(out[i], in[i]);
+        out[i] = std::max(a[i], b[i]);
     }
 }
 
@@ -62,8 +66,8 @@ void CAudioProcessBase::runInputStep()
     if (m_input.hasChanges()) {
         m_isConfigurationRequested = settleLines() || m_isConfigurationRequested;
     }
-    findBlockLength();
-    if (m_blockLength > 0) {
+    m_blockLength = m_input.takeBlockLength();
+    if (m_blockLength > 0 && !m_delayedUpdates.empty()) {
         runDelayedUpdates();
     }
     m_isConfigurationChanged = std::exchange(m_isConfigurationRequested, false);
@@ -72,8 +76,15 @@ void CAudioProcessBase::runInputStep()
     gatherBuffers();
 }
 
+void CAudioProcessBase::runPlannedInputStep()
+{
+    m_blockLength = m_input.takeBlockLength();
+    gatherBuffers();
+}
+
 bool CAudioProcessBase::settleLines()
 {
+    noteStructureChange();
     m_input.clearChanges();
     CArray<int, 48> before;
     CArray<int, 48> after;
@@ -134,22 +145,6 @@ void CAudioProcessBase::alignLines()
     }
 }
 
-void CAudioProcessBase::findBlockLength()
-{
-    m_blockLength = 0;
-    for (const auto& port : m_ports) {
-        for (const CAudioLine& line : port->lines()) {
-            for (const CAudioLine::CSource& source : line.sources) {
-                const auto& from = source.connection->lines()[static_cast<std::size_t>(source.index)];
-                if (from.buffer) {
-                    m_blockLength = from.length;
-                    return;
-                }
-            }
-        }
-    }
-}
-
 void CAudioProcessBase::gatherBuffers()
 {
     if (m_blockLength == 0) {
@@ -179,29 +174,23 @@ CSampleBuffer CAudioProcessBase::mergeSources(const CAudioLine& line)
 {
     const EInputCombo combo = m_definition->inputCombo();
     const std::size_t count = line.sources.size();
-    const CSampleBuffer first = takeSource(line.sources[0]);
-    CSampleBuffer merged = pool().get(m_blockLength);
-    double* out = merged.data();
-    std::copy_n(first.data(), m_blockLength, out);
-    std::size_t done = 1;
-    if (combo != EInputCombo::maximum) {
-        for (; done + kSumWidth <= count; done += kSumWidth) {
-            std::array<CSampleBuffer, kSumWidth> sources;
-            for (std::size_t i = 0; i < kSumWidth; ++i) {
-                sources[i] = takeSource(line.sources[done + i]);
-            }
-            addFour(out, sources, m_blockLength);
+    const std::size_t width = combo == EInputCombo::maximum ? 1 : kSumWidth;
+    CSampleBuffer merged = takeSource(line.sources[0]);
+    for (std::size_t done = 1; done < count;) {
+        CArray<CSampleBuffer, kSumWidth> sources;
+        for (; done < count && sources.size() < width; ++done) {
+            sources.append(takeSource(line.sources[done]));
         }
-    }
-    for (; done < count; ++done) {
-        const CSampleBuffer source = takeSource(line.sources[done]);
+        CSampleBuffer out = merged.isUnique() ? merged : pool().get(m_blockLength);
         if (combo == EInputCombo::maximum) {
-            maximize(out, source, m_blockLength);
+            maximize(out.data(), merged.data(), sources[0].data(), m_blockLength);
         } else {
-            addOne(out, source, m_blockLength);
+            addLines(out.data(), merged.data(), sources.span(), m_blockLength);
         }
+        merged = std::move(out);
     }
     if (combo == EInputCombo::average) {
+        double* out = merged.data(); // nobody else's by now
         const double scale = 1.0 / static_cast<double>(count);
         for (int i = 0; i < m_blockLength; ++i) {
             out[i] *= scale;

@@ -13,12 +13,14 @@ class CAudioParamCollector;
 class CAudioProcessBase;
 class CAudioProcessDefBase;
 class CSampleBufferPool;
+struct CAudioGraphChanges;
 
 /// What all nodes of one plug-in instance share; everything outlives the nodes.
 struct CAudioProcessContext {
     CAudioParamCollector* collector = nullptr; ///< null: nodes run without parameters
     CAudioEnv* env = nullptr;
     CSampleBufferPool* pool = nullptr;
+    CAudioGraphChanges* changes = nullptr; ///< null: nobody plans
 };
 
 /// How far a definition has been expanded when a node is made of it.

@@ -193,7 +193,31 @@ void CAudioProcessStack::rebuildSequence()
     }
 }
 
-void CAudioProcessStack::processLines()
+CArray<CAudioLineSource*, 8> CAudioProcessStack::innerSources()
+{
+    CArray<CAudioLineSource*, 8> sources;
+    for (const auto& group : m_groups) {
+        for (const auto& chain : group->chains) {
+            sources.append(&chain->input);
+        }
+    }
+    return sources;
+}
+
+CAudioProcessComposite::CInnerLine CAudioProcessStack::innerLine(const CAudioLine& line)
+{
+    for (const auto& group : m_groups) {
+        for (const auto& chain : group->chains) {
+            const auto slot = std::ranges::find(chain->slots, &line);
+            if (slot != chain->slots.end()) {
+                return {&chain->input, static_cast<int>(slot - chain->slots.begin())};
+            }
+        }
+    }
+    return {};
+}
+
+void CAudioProcessStack::sendInner()
 {
     for (const auto& group : m_groups) {
         for (const auto& chain : group->chains) {
@@ -202,8 +226,6 @@ void CAudioProcessStack::processLines()
             }
         }
     }
-    releaseInputs(); // what the instances are done with may serve them again
-    runSequence();
 }
 
 } // namespace qrb

@@ -30,7 +30,9 @@ public:
 
 protected:
     void bindParams() override;
-    void processLines() override;
+    [[nodiscard]] CArray<CAudioLineSource*, 8> innerSources() override;
+    [[nodiscard]] CInnerLine innerLine(const CAudioLine& line) override;
+    void sendInner() override;
 
 private:
     void updateGroups();

@@ -48,12 +48,16 @@ void CAudioProcessTerminalBase::update()
     } else if (hasTouched) {
         touchChangedParams();
     }
+    bool isLatencyNew = isChanged;
     for (const auto& instance : m_instances) {
         if (instance->isDirty()) {
             instance->applyUpdate(isSmooth(instance->group(), isChanged, hasTouched), m_fadeLength);
         }
+        isLatencyNew |= instance->takeLatencyChange();
     }
-    announceLines();
+    if (isLatencyNew) {
+        announceLines();
+    }
 }
 
 void CAudioProcessTerminalBase::configureInstances()
@@ -135,10 +139,56 @@ void CAudioProcessTerminalBase::processLines()
     int line = 0;
     for (const auto& instance : m_instances) {
         instance->process(blockLength(), m_fadeLength);
-        for (const CSampleBuffer& buffer : instance->outputs()) {
-            output().send(line++, buffer, blockLength());
+        sendOutputs(*instance, line);
+    }
+}
+
+void CAudioProcessTerminalBase::sendOutputs(CAudioModuleInstance& instance, int& line)
+{
+    for (const CSampleBuffer& buffer : instance.outputs()) {
+        output().send(line++, buffer, blockLength());
+    }
+    instance.releaseOutputs();
+    if (instance.hasLatencyChange()) {
+        requestUpdate(); // a fade that ended has started the next one
+    }
+}
+
+bool CAudioProcessTerminalBase::canRunTogether() const
+{
+    return !m_instances.empty() && m_instances[0]->canRunTogether();
+}
+
+void CAudioProcessTerminalBase::processTogether(std::span<CAudioProcessBase* const> nodes)
+{
+    CArray<CAudioModule*, 32> modules;
+    int length = 0;
+    const auto terminal = [](CAudioProcessBase* node) { return static_cast<CAudioProcessTerminalBase*>(node); };
+    for (CAudioProcessBase* const node : nodes) {
+        node->runPlannedInputStep();
+        length = std::max(length, node->blockLength());
+    }
+    for (CAudioProcessBase* const node : nodes) {
+        for (const auto& instance : terminal(node)->m_instances) {
+            if (node->blockLength() == length && !instance->isFading()) {
+                modules.append(&instance->beginTogether(length));
+            }
         }
-        instance->releaseOutputs();
+    }
+    if (!modules.empty()) {
+        modules[0]->processTogether(modules.span());
+    }
+    for (CAudioProcessBase* const node : nodes) {
+        int line = 0;
+        for (const auto& instance : terminal(node)->m_instances) {
+            if (node->blockLength() == length && !instance->isFading()) {
+                instance->endTogether();
+            } else if (node->blockLength() > 0) {
+                instance->process(node->blockLength(), terminal(node)->m_fadeLength);
+            }
+            terminal(node)->sendOutputs(*instance, line);
+        }
+        node->releaseInputs();
     }
 }
 

@@ -21,6 +21,11 @@ public:
     /// A new module of the node's kind.
     [[nodiscard]] virtual std::unique_ptr<CAudioModule> createModule() = 0;
 
+    /// Its modules can run in one go with those of other nodes of the definition.
+    [[nodiscard]] bool canRunTogether() const;
+    /// Runs one block of a plan for several terminals of one definition that do not wait for each other.
+    static void processTogether(std::span<CAudioProcessBase* const> nodes);
+
     /// Samples of a module crossfade.
     [[nodiscard]] int fadeLength() const { return m_fadeLength; }
     /// Size of a module's table of touched parameters.
@@ -30,6 +35,7 @@ protected:
     void processLines() override;
 
 private:
+    void sendOutputs(CAudioModuleInstance& instance, int& line);
     void configureInstances();
     void touchChangedParams();
     void announceLines();

@@ -48,6 +48,7 @@ CAudioWrapper::CAudioWrapper() = default;
 
 CAudioWrapper::~CAudioWrapper()
 {
+    m_plan.clear();
     m_inputSource.disconnectAll();
     m_lastNode.reset();
     m_mainNode.reset();
@@ -111,7 +112,7 @@ void CAudioWrapper::attachHostParams()
 CErrorPtr CAudioWrapper::createNodes()
 {
     CAudioProcessSetup setup;
-    setup.context = {m_paramCollector, m_env, m_pool.get()};
+    setup.context = {m_paramCollector, m_env, m_pool.get(), &m_graphChanges};
     CAudioProcessDefBase* definition = nullptr;
     QRB_TRY(m_root->findObjectChecked("shared::audio.modMain", definition));
     setup.definition = definition;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Audio/CAudioLineSource.h"
+#include "Audio/CAudioProcessPlan.h"
 #include "Audio/CExternalEventQueue.h"
 #include "Audio/CHostBusFormat.h"
 #include "Audio/CHostParam.h"
@@ -86,6 +87,8 @@ public:
     [[nodiscard]] CObject& root() { return *m_root; }
     [[nodiscard]] CAudioEnv& env() { return *m_env; }
     [[nodiscard]] CAudioParamCollector& paramCollector() { return *m_paramCollector; }
+    /// How quiet blocks run. Thread: audio.
+    [[nodiscard]] CAudioProcessPlan& plan() { return m_plan; }
     /// Calls of the library's allocator during the last block. Thread: that of processBlock.
     [[nodiscard]] std::uint64_t getBlockAllocations() const { return m_blockAllocations; }
 
@@ -118,6 +121,8 @@ private:
 
     std::unique_ptr<CSampleBufferPool> m_pool; // outlives all that holds its buffers
     CAudioLineSource m_inputSource;
+    CAudioGraphChanges m_graphChanges;
+    CAudioProcessPlan m_plan{m_graphChanges};
     std::unique_ptr<CAudioProcessBase> m_mainNode;
     std::unique_ptr<CAudioProcessBase> m_lastNode;
     CModOutput* m_outputNode = nullptr; // the same as m_lastNode

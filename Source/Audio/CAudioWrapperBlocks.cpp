@@ -50,8 +50,9 @@ void CAudioWrapper::runSubBlocks(const void* const* inputs, void* const* outputs
             m_env->setTimeOfNextBlock(m_env->timeNow() + count / m_env->sampleRate());
         if (hasApplied || position == 0)
             takeChanges();
+        m_plan.beginBlock(*m_mainNode, m_paramCollector->audioChangeCount());
         sendInputs(inputs, position, count);
-        m_mainNode->process();
+        m_plan.process(m_inputSource, *m_mainNode);
         m_outputNode->runInputStep();
         m_outputNode->copyTo(outputs, position, count);
         m_outputNode->releaseInputs();
@@ -122,9 +123,10 @@ void CAudioWrapper::primeGraph()
     m_events.endBlock();
     m_env->setTimeOfNextBlock(m_env->timeNow() + 1.0 / m_env->sampleRate());
     takeChanges();
+    m_plan.clear(); // the first pass looks at every node
     for (std::size_t line = 0; line < m_inputSource.lines().size(); ++line)
         m_inputSource.send(static_cast<int>(line), m_pool->getSilence(1), 1);
-    m_mainNode->process();
+    m_plan.process(m_inputSource, *m_mainNode);
     m_outputNode->runInputStep();
     m_outputNode->releaseInputs();
     advanceTime(1);

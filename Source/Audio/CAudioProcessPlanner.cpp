@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/CAudioProcessPlanner.h"
+
+#include "Audio/CAudioGraphChanges.h"
+#include "Audio/CAudioLineSource.h"
+#include "Audio/CAudioProcessComposite.h"
+#include "Audio/CAudioProcessDefBase.h"
+#include "Audio/CAudioProcessPlan.h"
+#include "Audio/CAudioProcessTerminalBase.h"
+#include "Audio/Processes/CDSPModDelay.h"
+
+#include <algorithm>
+
+namespace qrb {
+
+namespace {
+
+/// A line that several sources or a delay make up has to be put together before it goes on.
+bool isAsItComes(const CAudioLine& line)
+{
+    if (line.sources.size() != 1) {
+        return false;
+    }
+    const CAudioLine::CSource& source = line.sources[0];
+    return source.connection->lines()[static_cast<std::size_t>(source.index)].delay == nullptr;
+}
+
+bool isTransparent(CAudioProcessComposite& node)
+{
+    for (int port = 0; port < node.portCount(); ++port) {
+        if (!std::ranges::all_of(node.lines(port), isAsItComes)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool runsJointly(CAudioProcessBase& node)
+{
+    const auto* terminal = dynamic_cast<CAudioProcessTerminalBase*>(&node);
+    return terminal != nullptr && terminal->canRunTogether();
+}
+
+} // namespace
+
+void CAudioProcessPlanner::make(CAudioLineSource& source, CAudioProcessBase& root, CAudioProcessPlan& plan)
+{
+    collect(root);
+    routeSource(source, kNone);
+    for (std::size_t i = 0; i < m_steps.size(); ++i) {
+        CAudioProcessBase& node = *m_steps[i].node;
+        auto* composite = dynamic_cast<CAudioProcessComposite*>(&node);
+        if (composite == nullptr) {
+            routeSource(node.output(), i);
+            continue;
+        }
+        for (CAudioLineSource* inner : composite->innerSources()) {
+            routeSource(*inner, i);
+        }
+    }
+    order(plan);
+}
+
+std::size_t CAudioProcessPlanner::addStep(CAudioProcessBase& node, bool isJoint)
+{
+    CStep& step = m_steps.emplace();
+    step.node = &node;
+    step.isJoint = isJoint;
+    return m_steps.size() - 1;
+}
+
+void CAudioProcessPlanner::collect(CAudioProcessBase& node)
+{
+    auto* composite = dynamic_cast<CAudioProcessComposite*>(&node);
+    if (composite == nullptr) {
+        m_owners[&node.input()] = {&node, nullptr, addStep(node, runsJointly(node))};
+        return;
+    }
+    m_owners[&node.input()] = {&node, nullptr, isTransparent(*composite) ? kNone : addStep(node, false)};
+    m_owners[&composite->innerOutput()] = {&node, composite, kNone};
+    for (CAudioProcessBase* inner : composite->sequence()) {
+        collect(*inner);
+    }
+}
+
+void CAudioProcessPlanner::routeSource(CAudioLineSource& source, std::size_t step)
+{
+    CArray<CAudioLineRoute, 8> routes;
+    for (int line = 0; line < static_cast<int>(source.lines().size()); ++line) {
+        follow(source, line, line, routes);
+    }
+    for (const CAudioLineRoute& route : routes) {
+        const auto owner = m_owners.find(route.sink);
+        if (owner != m_owners.end() && step != kNone) {
+            m_steps[step].followers.append(owner->second.step);
+            ++m_steps[owner->second.step].waitsFor;
+        }
+    }
+    source.setRoutes(routes.span(), m_changes);
+}
+
+void CAudioProcessPlanner::follow(CAudioLineSource& source, int index, int firstIndex,
+                                  CArray<CAudioLineRoute, 8>& routes)
+{
+    for (const auto& connection : source.connections()) {
+        if (CAudioProcessConnection::CLine* line = connection->findLine(index)) {
+            followInto(*connection, static_cast<int>(line - connection->lines().begin()), firstIndex, routes);
+        }
+    }
+}
+
+void CAudioProcessPlanner::followInto(CAudioProcessConnection& connection, int line, int firstIndex,
+                                      CArray<CAudioLineRoute, 8>& routes)
+{
+    const auto found = m_owners.find(&connection.sink());
+    if (found == m_owners.end() || (found->second.step != kNone && found->second.inside == nullptr)) {
+        routes.append({firstIndex, &connection.lines()[static_cast<std::size_t>(line)], &connection.sink()});
+        return;
+    }
+    const COwner& owner = found->second;
+    if (owner.inside != nullptr) {
+        int place = line;
+        for (CAudioProcessConnection* before : connection.sink().connections()) {
+            if (before == &connection) {
+                break;
+            }
+            place += static_cast<int>(before->lines().size());
+        }
+        follow(owner.node->output(), place, firstIndex, routes);
+        return;
+    }
+    auto& composite = static_cast<CAudioProcessComposite&>(*owner.node);
+    for (int port = 0; port < composite.portCount(); ++port) {
+        for (const CAudioLine& slot : composite.lines(port)) {
+            const CAudioLine::CSource& source = slot.sources[0];
+            if (source.connection == &connection && source.index == line) {
+                const CAudioProcessComposite::CInnerLine inner = composite.innerLine(slot);
+                if (inner.source != nullptr) {
+                    follow(*inner.source, inner.index, firstIndex, routes);
+                }
+                return;
+            }
+        }
+    }
+}
+
+void CAudioProcessPlanner::order(CAudioProcessPlan& plan)
+{
+    struct CKind {
+        std::size_t left = 0;
+        std::size_t ready = 0;
+    };
+    CMap<const CAudioProcessDefBase*, CKind> kinds;
+    CArray<std::size_t> ready;
+    const auto kindOf = [&](std::size_t step) -> CKind& { return kinds[&m_steps[step].node->definition()]; };
+    const auto setReady = [&](std::size_t step) {
+        ready.insertAt(static_cast<std::size_t>(std::ranges::lower_bound(ready, step) - ready.begin()), step);
+        ++kindOf(step).ready;
+    };
+    for (std::size_t i = 0; i < m_steps.size(); ++i) {
+        ++kindOf(i).left;
+    }
+    for (std::size_t i = 0; i < m_steps.size(); ++i) {
+        if (m_steps[i].waitsFor == 0) {
+            setReady(i);
+        }
+    }
+    while (!ready.empty()) {
+        // Nodes that could still meet others of their kind let all others go first.
+        const auto isComplete = [&](std::size_t step) {
+            return !m_steps[step].isJoint || kindOf(step).ready == kindOf(step).left;
+        };
+        const auto found = std::ranges::find_if(ready, isComplete);
+        const std::size_t first = found == ready.end() ? ready[0] : *found;
+        CArray<std::size_t, 8> group;
+        for (const std::size_t step : ready) {
+            const bool isMate = m_steps[first].isJoint && m_steps[step].isJoint &&
+                                &m_steps[step].node->definition() == &m_steps[first].node->definition();
+            if (step == first || isMate) {
+                group.append(step);
+            }
+        }
+        CArray<CAudioProcessBase*, 8> nodes;
+        for (const std::size_t step : group) {
+            ready.removeAt(ready.indexOf(step));
+            --kindOf(step).left;
+            --kindOf(step).ready;
+            nodes.append(m_steps[step].node);
+        }
+        plan.addGroup(nodes.span());
+        for (const std::size_t step : group) {
+            for (const std::size_t follower : m_steps[step].followers) {
+                if (--m_steps[follower].waitsFor == 0) {
+                    setReady(follower);
+                }
+            }
+        }
+    }
+}
+
+} // namespace qrb
