@@ -56,6 +56,7 @@
 #include "Audio/Processes/CModSidechain.h"
 #include "Audio/Processes/CModSidechainMute.h"
 #include "Audio/Processes/CModXOTube.h"
+#include "Audio/Viz/CAudioVizCollector.h"
 
 namespace qrb {
 
@@ -117,6 +118,7 @@ std::span<const CCreatorRow> audioCreators()
         creatorRow<CAudioProcessBypassStateDef>("audio:process-bypass-state"),
         creatorRow<CAudioProcessDef>("audio:process-def"),
         creatorRow<CAudioProcessLinkDef>("audio:process-link"),
+        creatorRow<CAudioVizCollector>("audio:viz-collector"),
     };
     return kRows;
 }
