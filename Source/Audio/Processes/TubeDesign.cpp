@@ -32,6 +32,8 @@ CCurve makeCurve(const CTubeCurveSettings& settings, double bias, double drive)
 {
     constexpr double kProbes[] = {-0.6, -0.3, -0.15, -0.075, 0.6, 0.3, 0.15, 0.075};
     constexpr double kLeastKnee = 1.0001;
+    // A curve biased far into its limit may answer no probe at all; its gain stays finite.
+    constexpr double kLeastEnergy = 1e-24;
     CCurve curve{};
     curve.centre = (settings.bias + bias) * settings.limit;
     curve.gain = settings.gain * drive;
@@ -45,7 +47,7 @@ CCurve makeCurve(const CTubeCurveSettings& settings, double bias, double drive)
         straight += probe * probe;
         energy += response * response;
     }
-    curve.norm = std::sqrt(straight / energy);
+    curve.norm = std::sqrt(straight / std::max(energy, straight * kLeastEnergy));
     return curve;
 }
 
@@ -92,7 +94,10 @@ void setFilter(CTube& tube, const CTubeSettings& settings, double sampleRate)
 {
     constexpr double kHalfLn2 = 0.34657359027997264;
     const double w = 2.0 * kPi * settings.morphFrequency / sampleRate;
-    const double alpha = std::sin(w) * std::sinh(kHalfLn2 * w * settings.morphBandwidth / std::sin(w));
+    // Close to half the sample rate the hyperbolic sine would overflow.
+    constexpr double kMostWidth = 300.0;
+    const double width = kHalfLn2 * w * settings.morphBandwidth / std::sin(w);
+    const double alpha = std::sin(w) * std::sinh(std::clamp(width, -kMostWidth, kMostWidth));
     const double scale = 1.0 / (1.0 + alpha);
     const double outer = 0.5 * (1.0 - std::cos(w)) * scale * settings.morphGain;
     tube.filterA1 = 2.0 * std::cos(w) * scale;

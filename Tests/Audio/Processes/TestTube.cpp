@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/CScopedFloatMode.h"
 #include "Audio/Processes/Tube.h"
 
 #include <gtest/gtest.h>
@@ -16,122 +17,47 @@ using CSignal = std::vector<double>;
 
 struct CVoice {
     const char* name;
-    CTubeSettings settings;
+    double v[21];
 };
 
-const std::vector<CVoice>& voices()
+/// Two curves (limit, bias, knee; the second with its gain), blocker, low-pass, morph, balance, output gain.
+constexpr CVoice kVoices[] = {
+    {"Plain", {10,       0, 10,      10,      0, 31.6228, 8.28751, 4.4822,   0,        0, 21000,
+               0.005596, 0, 810.889, 4.41437, 1, 10.5533, 0,       -0.36737, 0.170564, 1}},
+    {"Soft", {4.2636,   -1.43449, 3.98107, 10,       -0.157444, 55.0107, 1.72253,  4.4822,    0,         0, 21000,
+              0.056885, 0.067121, 64.9055, 0.058271, 1,         4.2636,  0.402311, -0.131203, -0.059042, 1}},
+    {"Medium", {4.30675,  0.265446, 1000,    4.81125, 2, 3.05189, 4.66807, 4.29042, 0,         0,       21000,
+                0.072436, -0.90093, 1536.15, 1.84023, 0, 3.05811, 0.36951, 0.01312, -0.082002, 0.455902}},
+    {"Hard", {5.88474,  0.078722, 6.65343, 3.52112, 0.13995, 5.84327,  1.77536, 1.53533,   1,        0, 21000,
+              0.079308, 0.586042, 132.674, 2,       1,       0.739259, 0,       -0.262407, 0.078722, 1}},
+    {"Poppy", {6.84429,  0.498573, 111.886, 4.51333, 0.708499, 113.589, 1.06228, 1.86924,   1,         1,       15128.1,
+               0.657267, 0.201179, 3092.67, 3.56228, 1,        4.13672, 0,       -0.098403, -0.052481, 0.635616}},
+    {"Crisp", {3.48584,  0.90093,  2.89892, 5.11092,  0.586042, 559.536, 2.12818,  5.2235,    0,        0,      21000,
+               0.973434, 0.384863, 222.54,  0.077692, 1,        2.79313, 0.085282, -0.223046, 0.068882, 1.48103}},
+};
+
+CTubeSettings settingsOf(const CVoice& voice, double driveDecibels = 0.0)
 {
-    static const std::vector<CVoice> rows{
-        {"Plain",
-         {{{10, 0, 10, 1}, {10, 0, 31.6228, 8.28751}},
-          4.4822,
-          false,
-          false,
-          21000,
-          0.005596,
-          0,
-          810.889,
-          4.41437,
-          1,
-          0,
-          true,
-          10.5533,
-          0,
-          -0.36737,
-          0.170564,
-          1}},
-        {"Soft",
-         {{{4.2636, -1.43449, 3.98107, 1}, {10, -0.157444, 55.0107, 1.72253}},
-          4.4822,
-          false,
-          false,
-          21000,
-          0.056885,
-          0.067121,
-          64.9055,
-          0.058271,
-          1,
-          0,
-          true,
-          4.2636,
-          0.402311,
-          -0.131203,
-          -0.059042,
-          1}},
-        {"Medium",
-         {{{4.30675, 0.265446, 1000, 1}, {4.81125, 2, 3.05189, 4.66807}},
-          4.29042,
-          false,
-          false,
-          21000,
-          0.072436,
-          -0.90093,
-          1536.15,
-          1.84023,
-          1,
-          0,
-          false,
-          3.05811,
-          0.36951,
-          0.01312,
-          -0.082002,
-          0.455902}},
-        {"Hard",
-         {{{5.88474, 0.078722, 6.65343, 1}, {3.52112, 0.13995, 5.84327, 1.77536}},
-          1.53533,
-          true,
-          false,
-          21000,
-          0.079308,
-          0.586042,
-          132.674,
-          2,
-          1,
-          0,
-          true,
-          0.739259,
-          0,
-          -0.262407,
-          0.078722,
-          1}},
-        {"Poppy",
-         {{{6.84429, 0.498573, 111.886, 1}, {4.51333, 0.708499, 113.589, 1.06228}},
-          1.86924,
-          true,
-          true,
-          15128.1,
-          0.657267,
-          0.201179,
-          3092.67,
-          3.56228,
-          1,
-          0,
-          true,
-          4.13672,
-          0,
-          -0.098403,
-          -0.052481,
-          0.635616}},
-        {"Crisp",
-         {{{3.48584, 0.90093, 2.89892, 1}, {5.11092, 0.586042, 559.536, 2.12818}},
-          5.2235,
-          false,
-          false,
-          21000,
-          0.973434,
-          0.384863,
-          222.54,
-          0.077692,
-          1,
-          0,
-          true,
-          2.79313,
-          0.085282,
-          -0.223046,
-          0.068882,
-          1.48103}},
-    };
-    return rows;
+    const auto& v = voice.v;
+    CTubeSettings settings;
+    settings.curves[0] = {v[0], v[1], v[2], 1.0};
+    settings.curves[1] = {v[3], v[4], v[5], v[6]};
+    settings.blockerFrequency = v[7];
+    settings.isBlockedByFeedback = v[8] != 0.0;
+    settings.hasLowPass = v[9] != 0.0;
+    settings.lowPassFrequency = v[10];
+    settings.morphGain = v[11];
+    settings.morphBias = v[12];
+    settings.morphFrequency = v[13];
+    settings.morphBandwidth = v[14];
+    settings.hasBalance = v[15] != 0.0;
+    settings.balance = v[16];
+    settings.correctionBelow = v[17];
+    settings.correctionAbove = v[18];
+    settings.correctionHigh = v[19];
+    settings.outputGain = v[20];
+    settings.drive = std::pow(10.0, driveDecibels / 20.0);
+    return settings;
 }
 
 /// The saturator step by step in extended precision, with the exponential's series as it stands in the books.
@@ -265,11 +191,10 @@ CSignal runAlone(const CTubeSettings& settings, double sampleRate, const CSignal
 TEST(Tube, EqualsTheSlowModelForAllVoicesAndDrives)
 {
     const CSignal in = testSignal(1, 6000);
-    for (const CVoice& voice : voices())
+    for (const CVoice& voice : kVoices)
         for (const double drive : {-12.0, -3.0, 0.0, 12.0, 31.0, 54.0})
             for (const double sampleRate : {44100.0, 192000.0}) {
-                CTubeSettings settings = voice.settings;
-                settings.drive = std::pow(10.0, drive / 20.0);
+                const CTubeSettings settings = settingsOf(voice, drive);
                 CSlowTube slow(settings, sampleRate);
                 const CSignal out = runAlone(settings, sampleRate, in);
                 const CSignal morph = runAlone(settings, sampleRate, in, true);
@@ -280,28 +205,67 @@ TEST(Tube, EqualsTheSlowModelForAllVoicesAndDrives)
             }
 }
 
-TEST(Tube, SilenceStaysSilentFromTheFirstSampleOn)
+TEST(Tube, SilenceStaysSilentFromTheFirstSampleOnAndComesBackAfterALoudPassage)
 {
-    for (const CVoice& voice : voices())
+    const CScopedFloatMode floatMode;
+    const CSignal silence(44100, 0.0);
+    for (const CVoice& voice : kVoices)
         for (const double drive : {-12.0, 0.0, 54.0}) {
-            CTubeSettings settings = voice.settings;
-            settings.drive = std::pow(10.0, drive / 20.0);
-            for (const double bias : {0.0, 0.4}) {
+            CTubeSettings settings = settingsOf(voice, drive);
+            const bool isFeedback = settings.isBlockedByFeedback;
+            for (const double bias : {0.4, 0.0}) {
                 settings.bias = bias;
-                for (const double sample : runAlone(settings, 44100.0, CSignal(20000, 0.0)))
-                    ASSERT_LE(std::abs(sample), settings.isBlockedByFeedback ? 1e-13 : 0.0) << voice.name << drive;
+                for (const double sample : runAlone(settings, 44100.0, silence))
+                    ASSERT_LE(std::abs(sample), isFeedback ? 1e-13 : 0.0) << voice.name << drive;
             }
+            const CTube tube = makeTube(settings, 44100.0);
+            const CTubeState rest = restOfTube(tube, isFeedback);
+            CTubeState state = rest;
+            CSignal block = testSignal(4, 44100);
+            for (int second = 0; second < 16; ++second) {
+                tubeKernel(isFeedback, false)(
+                    tube, {{&state, &state}, {block.data(), block.data()}, {block.data(), block.data()}}, block.size());
+                if (second < 15)
+                    block = silence;
+            }
+            for (const double sample : block)
+                ASSERT_LE(std::abs(sample), 1e-10) << voice.name << drive;
+            EXPECT_NEAR(state.blocker1, rest.blocker1, 1e-10) << voice.name << drive;
+            for (const double kept : {state.blocker2, state.lowPass, state.filter1, state.filter2, state.last})
+                EXPECT_NE(std::fpclassify(kept), FP_SUBNORMAL) << voice.name << drive;
         }
+}
+
+TEST(Tube, AnyVoiceOfTheDeclaredRangesGivesFiniteSound)
+{
+    const CSignal in = testSignal(5, 50);
+    for (const double limit : {0.1, 10.0})
+        for (const double bias : {-2.0, 0.5, 2.0})
+            for (const double knee : {1.0, 1000.0})
+                for (const double gain : {0.001, 1000.0})
+                    for (const double drive : {-60.0, 0.0, 54.0})
+                        for (const double sampleRate : {32000.0, 44100.0, 1536000.0}) {
+                            CTubeSettings settings = settingsOf(kVoices[drive > 0.0 ? 3 : 5], drive);
+                            settings.curves[0] = {limit, bias, knee, 1.0};
+                            settings.curves[1] = {1.0 / limit, -bias, knee, gain};
+                            settings.bias = bias / 2.0;
+                            settings.morphGain = gain;
+                            settings.morphFrequency = 16000.0;
+                            settings.morphBandwidth = 7.0;
+                            for (const double sample : runAlone(settings, sampleRate, in))
+                                ASSERT_TRUE(std::isfinite(sample)) << limit << " " << bias << " " << knee << " " << gain
+                                                                   << " " << drive << " " << sampleRate;
+                        }
 }
 
 TEST(Tube, TwoLinesSideBySideAndCutsChangeNothing)
 {
-    for (const CVoice& voice : voices()) {
-        const CTube tube = makeTube(voice.settings, 48000.0);
-        const bool isFeedback = voice.settings.isBlockedByFeedback;
+    for (const CVoice& voice : kVoices) {
+        const CTubeSettings settings = settingsOf(voice);
+        const CTube tube = makeTube(settings, 48000.0);
+        const bool isFeedback = settings.isBlockedByFeedback;
         CSignal lines[2] = {testSignal(2, 3000), testSignal(3, 3000)};
-        const CSignal want[2] = {runAlone(voice.settings, 48000.0, lines[0]),
-                                 runAlone(voice.settings, 48000.0, lines[1])};
+        const CSignal want[2] = {runAlone(settings, 48000.0, lines[0]), runAlone(settings, 48000.0, lines[1])};
         CTubeState states[2] = {restOfTube(tube, isFeedback), restOfTube(tube, isFeedback)};
         for (const auto& [start, count] : {std::pair<std::size_t, std::size_t>{0, 1}, {1, 1332}, {1333, 1667}})
             tubeKernel(isFeedback, false)(
