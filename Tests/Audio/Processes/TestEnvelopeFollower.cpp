@@ -161,31 +161,6 @@ TEST(EnvelopeFollower, EqualsTheSlowModelInAllModesAndKernels)
                 }
 }
 
-TEST(EnvelopeFollower, TwoLinesSideBySideAndCutsChangeNothing)
-{
-    for (const bool isFeedback : {false, true}) {
-        const CFollowerSettings settings{0.001, 0.01, EFollowerMode::slow, EFollowerMode::normal, true, isFeedback,
-                                         0.2,   0.6};
-        const CFollower follower = makeFollower(settings, 44100.0);
-        const FFollowerKernel run = followerKernel(true, isFeedback, true);
-        CSignal lines[2] = {testSignal(1, true, 500), testSignal(2, true, 500)};
-        const CSignal opening = testSignal(3, true, 500);
-        const CSignal want[2] = {runAlone(follower, run, restOfFollower(settings), lines[0], opening),
-                                 runAlone(follower, run, restOfFollower(settings), lines[1], opening)};
-        CFollowerState states[2] = {restOfFollower(settings), restOfFollower(settings)};
-        for (const auto& [start, count] :
-             {std::pair<std::size_t, std::size_t>{0, 1}, {1, 2}, {3, 3}, {6, 0}, {6, 327}, {333, 167}})
-            run(follower,
-                {{&states[0], &states[1]},
-                 {&lines[0][start], &lines[1][start]},
-                 {&opening[start], &opening[start]},
-                 {&lines[0][start], &lines[1][start]}},
-                count);
-        EXPECT_EQ(lines[0], want[0]) << "in place";
-        EXPECT_EQ(lines[1], want[1]);
-    }
-}
-
 TEST(EnvelopeFollower, AGateThatClosedOpensAtTheHigherThresholdOnlyAndIsNeverFrozen)
 {
     for (const double release : {0.001, 0.0003628}) {

@@ -258,24 +258,5 @@ TEST(Tube, AnyVoiceOfTheDeclaredRangesGivesFiniteSound)
                         }
 }
 
-TEST(Tube, TwoLinesSideBySideAndCutsChangeNothing)
-{
-    for (const CVoice& voice : kVoices) {
-        const CTubeSettings settings = settingsOf(voice);
-        const CTube tube = makeTube(settings, 48000.0);
-        const bool isFeedback = settings.isBlockedByFeedback;
-        CSignal lines[2] = {testSignal(2, 3000), testSignal(3, 3000)};
-        const CSignal want[2] = {runAlone(settings, 48000.0, lines[0]), runAlone(settings, 48000.0, lines[1])};
-        CTubeState states[2] = {restOfTube(tube, isFeedback), restOfTube(tube, isFeedback)};
-        for (const auto& [start, count] : {std::pair<std::size_t, std::size_t>{0, 1}, {1, 1332}, {1333, 1667}})
-            tubeKernel(isFeedback, false)(
-                tube,
-                {{&states[0], &states[1]}, {&lines[0][start], &lines[1][start]}, {&lines[0][start], &lines[1][start]}},
-                count);
-        EXPECT_EQ(lines[0], want[0]) << voice.name << ", in place";
-        EXPECT_EQ(lines[1], want[1]) << voice.name;
-    }
-}
-
 } // namespace
 } // namespace qrb
