@@ -98,19 +98,28 @@ TEST(CModAlphaEnv, ReadsEachSlotWhereItBelongs)
     EXPECT_EQ(rig.run(3000).at(0), want);
 }
 
-TEST(CModAlphaEnv, HoldsUntilItsSecondPortLetsItRise)
+TEST(CModAlphaEnv, HoldsEachLineUntilItsOwnSecondPortLetsItRise)
 {
-    CGraphRig rig(kEnvParams + paramXml("opening", "0") + envXml() +
-                      probeXml("second", "^opening", "is-outoforder='true'") + linkXml("*", "modAlphaEnv") +
-                      linkXml("*", "second") + linkXml("second", "modAlphaEnv/1") + linkXml("modAlphaEnv", "*"),
-                  "");
-    double gain = 0.1;
-    rig.input = [&gain](int, int) { return gain; };
-    EXPECT_NEAR(rig.run(5000).at(0).back(), 0.1, 1e-3);
-    gain = 0.9;
-    EXPECT_NEAR(rig.run(5000).at(0).back(), 0.1, 1e-3) << "port 1 is at 0";
-    rig.set("opening", 1.0);
-    EXPECT_NEAR(rig.run(20000).at(0).back(), 0.9, 1e-3);
+    for (const char* const attrs : {"", "is-terminal-whole='true'"}) {
+        CGraphRig rig(kEnvParams + paramXml("opening", "0") + envXml(attrs) +
+                          probeXml("second", "^opening", "is-outoforder='true'") + linkXml("*", "modAlphaEnv") +
+                          linkXml("*", "second") + linkXml("second", "modAlphaEnv/1") + linkXml("modAlphaEnv", "*"),
+                      "");
+        rig.setLines({{0, 0}, {1, 0}});
+        double gains[] = {0.1, 0.1};
+        rig.input = [&gains](int line, int) { return gains[line]; };
+        (void)rig.run(5000);
+        gains[0] = 0.9;
+        gains[1] = 0.5;
+        EXPECT_NEAR(rig.run(5000).at(0).back(), 0.1, 1e-3) << "port 1 is at 0";
+        rig.set("opening", 0.15);
+        const auto held = rig.run(20000);
+        EXPECT_GT(held.at(0).back(), 0.135) << "rises up to port 1";
+        EXPECT_LT(held.at(0).back(), 0.2);
+        EXPECT_NEAR(held.at(1).back(), 0.1, 1e-3) << "port 1 is still below";
+        rig.set("opening", 1.0);
+        EXPECT_NEAR(rig.run(20000).at(1).back(), 0.5, 1e-3);
+    }
 }
 
 TEST(CModClip, NeverExceedsItsLimit)
