@@ -10,7 +10,8 @@
 #include <vector>
 
 // Two lines of 512 samples up by recursive half-band stages and down again, as the resamplers do it without the graph
-// around them; "ns/frame" is one sample of both lines at the lower rate. The floor copies the same samples.
+// around them; "ns/frame" is one sample of both lines at the lower rate. Beside it the same with the zeros really there
+// and all samples made, and a copy of the same samples.
 namespace {
 
 constexpr std::size_t kLength = 512;
@@ -60,7 +61,7 @@ void report(benchmark::State& state)
                                                     benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
-void recursiveUpAndDown(benchmark::State& state)
+void plainUpAndDown(benchmark::State& state)
 {
     const int stages = static_cast<int>(state.range(0));
     CRates rates;
@@ -83,6 +84,32 @@ void recursiveUpAndDown(benchmark::State& state)
             for (std::size_t i = 0; i < kLines; ++i)
                 qrb::takeEverySecond(rates.samples[stage + 1][i], rates.samples[stage][i]);
         }
+        benchmark::ClobberMemory();
+    }
+    report(state);
+}
+
+void recursiveUpAndDown(benchmark::State& state)
+{
+    const int stages = static_cast<int>(state.range(0));
+    CRates rates;
+    qrb::CFilterBank up[kMaxStages];
+    qrb::CFilterBank down[kMaxStages];
+    for (int stage = 0; stage < stages; ++stage) {
+        for (qrb::CFilterBank* bank : {&up[stage], &down[stage]}) {
+            bank->setLineCount(kLines);
+            bank->apply(makeFilter(stage == 0), 44100.0 * (2 << stage));
+        }
+    }
+    for (auto _ : state) {
+        double* lines[kMaxStages + 1][kLines];
+        for (int rate = 0; rate <= stages; ++rate)
+            for (std::size_t i = 0; i < kLines; ++i)
+                lines[rate][i] = rates.samples[rate][i].data();
+        for (int stage = 0; stage < stages; ++stage)
+            up[stage].runUp(lines[stage], lines[stage + 1], kLength << stage);
+        for (int stage = stages - 1; stage >= 0; --stage)
+            down[stage].runDown(lines[stage + 1], lines[stage], kLength << stage);
         benchmark::ClobberMemory();
     }
     report(state);
@@ -121,6 +148,7 @@ void floorCopy(benchmark::State& state)
 }
 
 BENCHMARK(recursiveUpAndDown)->DenseRange(1, kMaxStages);
+BENCHMARK(plainUpAndDown)->DenseRange(1, kMaxStages);
 BENCHMARK(rateChangesAlone)->DenseRange(1, kMaxStages);
 BENCHMARK(floorCopy)->DenseRange(1, kMaxStages);
 

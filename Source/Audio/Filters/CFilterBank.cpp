@@ -3,6 +3,8 @@
 
 #include "Audio/Filters/FilterKernels.h"
 #include "Audio/Filters/FilterStates.h"
+#include "Audio/Filters/HalfBandKernels.h"
+#include "Audio/Filters/HalfBandState.h"
 
 #include <algorithm>
 
@@ -30,6 +32,11 @@ bool CFilterBank::CStage::isFading() const
 {
     // The lines get their coefficients at the same sample, so their fades stand alike.
     return isFilterFading(kind->id, states[0]);
+}
+
+std::size_t CFilterBank::CStage::halfBandSize() const
+{
+    return kind->id <= EFilterKind::halfBand8 ? static_cast<std::size_t>(kind->id) : 0;
 }
 
 void CFilterBank::CStage::runAlone(const double* const* in, double* const* out, std::size_t length) const
@@ -111,6 +118,40 @@ void CFilterBank::run(const double* const* in, double* const* out, std::size_t l
         first = end;
         source = out;
     }
+}
+
+bool CFilterBank::canRunUp() const
+{
+    return m_stages.size() == 1 && m_stages[0].halfBandSize() > 0 &&
+           std::ranges::all_of(m_stages[0].states, [this](const void* state) {
+               return isHalfBandStuffed(state, m_stages[0].halfBandSize());
+           });
+}
+
+void CFilterBank::runUp(const double* const* in, double* const* out, std::size_t steps)
+{
+    const CStage& stage = m_stages[0];
+    halfBandKernels().up(stage.halfBandSize(), stage.states.data(), m_lineCount, in, out, steps);
+}
+
+bool CFilterBank::canRunDown() const
+{
+    return m_stages.size() == 1 && m_stages[0].halfBandSize() > 0 &&
+           std::ranges::all_of(m_stages[0].states, isHalfBandEven);
+}
+
+void CFilterBank::runDown(const double* const* in, double* const* out, std::size_t steps)
+{
+    const CStage& stage = m_stages[0];
+    halfBandKernels().down(stage.halfBandSize(), stage.states.data(), m_lineCount, in, out, steps);
+}
+
+void CFilterBank::forgetOdd()
+{
+    for (const CStage& stage : m_stages)
+        for (void* state : stage.states)
+            if (stage.halfBandSize() > 0)
+                clearHalfBandOdd(state, stage.halfBandSize());
 }
 
 } // namespace qrb

@@ -25,6 +25,18 @@ public:
     /// One buffer a line; outputs may be the inputs. Not for an empty bank.
     void run(const double* const* in, double* const* out, std::size_t length);
 
+    /// Whether runUp() would go on from what ran before.
+    [[nodiscard]] bool canRunUp() const;
+    /// The same as run() on `steps` samples of which each comes doubled and with a zero behind it; makes twice as many.
+    /// Outputs are not the inputs.
+    void runUp(const double* const* in, double* const* out, std::size_t steps);
+    /// Whether runDown() would go on from what ran before.
+    [[nodiscard]] bool canRunDown() const;
+    /// Every other sample, from the first, of what run() makes of 2 * `steps` samples. Run() then needs forgetOdd().
+    void runDown(const double* const* in, double* const* out, std::size_t steps);
+    /// Lets the samples that runDown() leaves out begin from rest.
+    void forgetOdd();
+
 private:
     /// One stage of all lines.
     struct CStage {
@@ -37,6 +49,8 @@ private:
 
         void init();
         [[nodiscard]] bool isFading() const;
+        /// Coefficients a path of a half-band stage; 0 for other kinds.
+        [[nodiscard]] std::size_t halfBandSize() const;
         void runAlone(const double* const* in, double* const* out, std::size_t length) const;
     };
 
