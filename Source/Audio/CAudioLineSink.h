@@ -11,6 +11,13 @@ namespace qrb {
 
 class CAudioProcessConnection;
 
+/// What becomes of the samples that arrive somewhere.
+enum class ELineHearing : std::uint8_t {
+    all,      ///< each counts
+    changing, ///< each counts until what has changed is settled; then perhaps half of them
+    half      ///< those at odd places of the block are dropped
+};
+
 /// Where connections end: the input of a node, or the output that a node offers to the nodes inside it.
 /// Thread: audio.
 class CAudioLineSink {
@@ -25,6 +32,12 @@ public:
     void noteChange() { ++m_changeCount; }
     [[nodiscard]] bool hasChanges() const { return m_changeCount != 0; }
     void clearChanges() { m_changeCount = 0; }
+    /// What the owner makes of the lines as they are now.
+    [[nodiscard]] ELineHearing hearing() const
+    {
+        return m_hearing == ELineHearing::half && hasChanges() ? ELineHearing::changing : m_hearing;
+    }
+    void setHearing(ELineHearing hearing) { m_hearing = hearing; }
     /// A block of so many samples is on its way.
     void noteBlock(int length) { m_blockLength = length; }
     /// Samples of the block that was noted last; 0 where none was since the last call.
@@ -40,6 +53,7 @@ private:
     CArray<CAudioProcessConnection*> m_connections;
     std::uint32_t m_changeCount = 0;
     int m_blockLength = 0;
+    ELineHearing m_hearing = ELineHearing::all;
 };
 
 } // namespace qrb

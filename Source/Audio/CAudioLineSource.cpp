@@ -60,6 +60,17 @@ void CAudioLineSource::drop(CAudioProcessConnection& connection)
     }
 }
 
+ELineHearing CAudioLineSource::hearing() const
+{
+    ELineHearing hearing = m_connections.empty() ? ELineHearing::all : ELineHearing::half;
+    for (const auto& connection : m_connections) {
+        const bool isDelayed =
+            std::ranges::any_of(connection->lines(), [](const auto& l) { return l.delay != nullptr; });
+        hearing = isDelayed ? ELineHearing::all : std::min(hearing, connection->sink().hearing());
+    }
+    return hearing;
+}
+
 void CAudioLineSource::setLines(std::span<const CAudioLineInfo> lines)
 {
     if (std::ranges::equal(lines, m_lines.span())) {

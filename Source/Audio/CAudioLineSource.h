@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Audio/CAudioLineRoute.h"
+#include "Audio/CAudioLineSink.h"
 #include "Core/CArray.h"
 
 #include <memory>
@@ -39,6 +40,8 @@ public:
     {
         return m_connections.span();
     }
+    /// What of the samples is heard where the lines go. Blocks in the thinned form are for `half` alone.
+    [[nodiscard]] ELineHearing hearing() const;
     /// Where the lines go in planned blocks, by ascending index. From now on `changes` hears of other lines and links.
     void setRoutes(std::span<const CAudioLineRoute> routes, CAudioGraphChanges& changes);
 

@@ -38,6 +38,14 @@ double* CAudioModule::writeOutput(int index)
     return buffer.data();
 }
 
+double* CAudioModule::writeThinned(int index)
+{
+    CSampleBuffer& buffer = m_outputs[static_cast<std::size_t>(index)];
+    buffer = pool().get(m_blockLength / 2);
+    buffer.setForm(ESampleForm::thinned);
+    return buffer.data();
+}
+
 void CAudioModule::passInput(int port, int inputIndex, int outputIndex)
 {
     const CAudioLine* found = line(port, inputIndex);

@@ -44,6 +44,10 @@ public:
     /// left as by its own process(), bit for bit.
     virtual void processTogether(std::span<CAudioModule* const> modules);
 
+    /// Whether process() can have blocks of this form on port 0; asked in each block. A form given on as output is no
+    /// matter of this.
+    [[nodiscard]] virtual bool takesForm(ESampleForm form) const { return form == ESampleForm::whole; }
+
     /// Samples this module adds to the latency of its input. 0 unless update() sets another.
     [[nodiscard]] int latency() const { return m_latency; }
 
@@ -81,6 +85,8 @@ protected:
 
     /// A fresh buffer as output `index`, to be filled with blockLength() samples.
     [[nodiscard]] double* writeOutput(int index = 0);
+    /// The same for the samples at even places of the block alone; where node().output().hearing() is `half`.
+    [[nodiscard]] double* writeThinned(int index);
     /// Hands an input on by reference; silence where the port has no such line.
     void passInput(int port, int inputIndex, int outputIndex);
     void passInput(int port = 0) { passInput(port, 0, 0); }

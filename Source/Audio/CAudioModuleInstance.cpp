@@ -159,6 +159,8 @@ void CAudioModuleInstance::fillOutputs(CAudioModule& module, int length) const
     for (CSampleBuffer& buffer : module.m_outputs) {
         if (!buffer) {
             buffer = m_node.pool().getSilence(length);
+        } else if (isFading()) {
+            buffer = m_node.pool().getWhole(buffer, length);
         }
     }
 }

@@ -47,6 +47,8 @@ public:
     /// Applies what was touched: through a fade, or at once where `isSmooth` is not set or nothing has sounded yet.
     void applyUpdate(bool isSmooth, int fadeLength);
 
+    /// Fades mix whole blocks.
+    [[nodiscard]] bool takesForm(ESampleForm form) const { return !isFading() && m_active->takesForm(form); }
     /// Runs a block and leaves the outputs in outputs().
     void process(int blockLength, int fadeLength);
     [[nodiscard]] bool canRunTogether() const { return m_active->canRunTogether(); }

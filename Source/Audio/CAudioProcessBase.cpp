@@ -46,6 +46,11 @@ void CAudioProcessBase::onCreated() {}
 
 void CAudioProcessBase::processLines() {}
 
+bool CAudioProcessBase::takesForm(ESampleForm form) const
+{
+    return form == ESampleForm::whole;
+}
+
 void CAudioProcessBase::process()
 {
     runInputStep();

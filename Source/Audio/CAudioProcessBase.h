@@ -88,6 +88,8 @@ protected:
     virtual void processLines();
     /// Enters the definition's remaps and binds its allocations; not for nodes that only stand for others.
     virtual void bindParams();
+    /// Whether blocks may arrive at its lines in this form; asked in each block, behind update(). Others are made whole.
+    [[nodiscard]] virtual bool takesForm(ESampleForm form) const;
     /// Makes sure that the port exists, linked to or not.
     void declarePort(int port);
 
@@ -124,6 +126,7 @@ private:
     void runDelayedUpdates();
     void gatherBuffers();
     [[nodiscard]] CSampleBuffer mergeSources(const CAudioLine& line);
+    [[nodiscard]] CSampleBuffer takeBlock(const CAudioLine::CSource& source);
     [[nodiscard]] CSampleBuffer takeSource(const CAudioLine::CSource& source);
 
     CAudioProcessContext m_context;

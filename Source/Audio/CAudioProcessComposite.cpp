@@ -93,8 +93,14 @@ void CAudioProcessComposite::processLines()
     runSequence();
 }
 
+bool CAudioProcessComposite::takesForm(ESampleForm) const
+{
+    return true;
+}
+
 void CAudioProcessComposite::runSequence()
 {
+    m_innerOutput.setHearing(output().hearing());
     for (CAudioProcessBase* node : m_sequence) {
         node->process();
     }

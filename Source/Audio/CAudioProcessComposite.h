@@ -43,6 +43,8 @@ protected:
                                                                EExpansion expansion = EExpansion::all);
     /// Hands the input lines to the inner nodes and runs them.
     void processLines() override;
+    /// Any: the inner nodes have their say.
+    [[nodiscard]] bool takesForm(ESampleForm form) const override;
     /// Hands the gathered input lines to the inner nodes.
     virtual void sendInner();
     /// Runs the sequence, then hands on what reached the output.

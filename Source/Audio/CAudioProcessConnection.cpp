@@ -115,7 +115,7 @@ CSampleBuffer CAudioProcessConnection::takeBlock(CLine& line, int length, CSampl
         buffer = pool.getSilence(length);
     }
     // A delay that has become neutral stays: what it remembers must not depend on where blocks end.
-    return line.delay == nullptr ? buffer : line.delay->process(buffer, length);
+    return line.delay == nullptr ? buffer : line.delay->process(pool.getWhole(buffer, length), length);
 }
 
 void CAudioProcessConnection::reset()

@@ -62,7 +62,8 @@ public:
     /// Sets how many samples a line lacks to be level with the others. A change crosses over; a line that is new here
     /// takes its delay at once.
     void alignLine(CLine& line, int samples, CSampleBufferPool& pool);
-    /// The line's block of `length` samples, delayed as set; silence where none has been sent. Gives it up.
+    /// The line's block of `length` samples, delayed as set; silence where none has been sent. Gives it up. In any form
+    /// that it was sent in.
     [[nodiscard]] CSampleBuffer takeBlock(CLine& line, int length, CSampleBufferPool& pool);
     /// Forgets what the delays hold and the blocks on their way.
     void reset();

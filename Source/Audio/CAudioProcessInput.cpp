@@ -152,7 +152,14 @@ void CAudioProcessBase::gatherBuffers()
     }
     for (const auto& port : m_ports) {
         for (CAudioLine& line : port->lines()) {
-            line.buffer = line.sources.size() == 1 ? takeSource(line.sources[0]) : mergeSources(line);
+            if (line.sources.size() != 1) {
+                line.buffer = mergeSources(line);
+                continue;
+            }
+            line.buffer = takeBlock(line.sources[0]);
+            if (line.buffer.form() != ESampleForm::whole && !takesForm(line.buffer.form())) {
+                line.buffer = pool().getWhole(line.buffer, m_blockLength);
+            }
         }
     }
 }
@@ -164,10 +171,15 @@ void CAudioProcessBase::releaseInputs()
     }
 }
 
-CSampleBuffer CAudioProcessBase::takeSource(const CAudioLine::CSource& source)
+CSampleBuffer CAudioProcessBase::takeBlock(const CAudioLine::CSource& source)
 {
     return source.connection->takeBlock(source.connection->lines()[static_cast<std::size_t>(source.index)],
                                         m_blockLength, pool());
+}
+
+CSampleBuffer CAudioProcessBase::takeSource(const CAudioLine::CSource& source)
+{
+    return pool().getWhole(takeBlock(source), m_blockLength);
 }
 
 CSampleBuffer CAudioProcessBase::mergeSources(const CAudioLine& line)

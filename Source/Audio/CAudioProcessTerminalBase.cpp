@@ -131,6 +131,11 @@ void CAudioProcessTerminalBase::announceLines()
     output().setLines(m_announced.span());
 }
 
+bool CAudioProcessTerminalBase::takesForm(ESampleForm form) const
+{
+    return std::ranges::all_of(m_instances, [form](const auto& instance) { return instance->takesForm(form); });
+}
+
 void CAudioProcessTerminalBase::processLines()
 {
     if (blockLength() == 0) {

@@ -33,6 +33,7 @@ public:
 
 protected:
     void processLines() override;
+    [[nodiscard]] bool takesForm(ESampleForm form) const override;
 
 private:
     void sendOutputs(CAudioModuleInstance& instance, int& line);

@@ -24,6 +24,14 @@ struct CSampleBufferHeader {
 };
 static_assert(sizeof(CSampleBufferHeader) == 48);
 
+/// How the samples in a buffer stand for those of a block. Blocks that half consist of zeros, or of which half will be
+/// dropped, travel as the other half alone between nodes that know of it.
+enum class ESampleForm : std::uint8_t {
+    whole,   ///< each is there
+    stuffed, ///< half as many: each stands for its double and a zero behind it
+    thinned  ///< half as many: each stands for itself and one behind it that nobody hears
+};
+
 /// Counted reference to a buffer of the pool; the last one gives the buffer back.
 ///
 /// A buffer is written by whoever took it from the pool, before it is handed on; from then on it is read only, unless
@@ -31,22 +39,27 @@ static_assert(sizeof(CSampleBufferHeader) == 48);
 class CSampleBuffer {
 public:
     CSampleBuffer() noexcept = default;
-    CSampleBuffer(const CSampleBuffer& other) noexcept : m_header(other.m_header)
+    CSampleBuffer(const CSampleBuffer& other) noexcept : m_header(other.m_header), m_form(other.m_form)
     {
         if (m_header != nullptr) {
             ++m_header->references;
         }
     }
-    CSampleBuffer(CSampleBuffer&& other) noexcept : m_header(std::exchange(other.m_header, nullptr)) {}
+    CSampleBuffer(CSampleBuffer&& other) noexcept
+        : m_header(std::exchange(other.m_header, nullptr)), m_form(other.m_form)
+    {
+    }
     CSampleBuffer& operator=(const CSampleBuffer& other) noexcept
     {
         CSampleBuffer copy(other);
         std::swap(m_header, copy.m_header);
+        m_form = copy.m_form;
         return *this;
     }
     CSampleBuffer& operator=(CSampleBuffer&& other) noexcept
     {
         std::swap(m_header, other.m_header);
+        m_form = other.m_form;
         other.clear();
         return *this;
     }
@@ -71,6 +84,10 @@ public:
     [[nodiscard]] double* data() noexcept { return samples(); }
     [[nodiscard]] const double* data() const noexcept { return samples(); }
 
+    /// How to read the samples; told by whoever hands the reference on.
+    [[nodiscard]] ESampleForm form() const noexcept { return m_form; }
+    void setForm(ESampleForm form) noexcept { m_form = form; }
+
     friend bool operator==(const CSampleBuffer& a, const CSampleBuffer& b) noexcept = default;
 
 private:
@@ -84,6 +101,7 @@ private:
     void releaseReference() noexcept;
 
     CSampleBufferHeader* m_header = nullptr;
+    ESampleForm m_form = ESampleForm::whole;
 };
 
 } // namespace qrb

@@ -89,6 +89,22 @@ CSampleBuffer CSampleBufferPool::getSilence(int sampleCount)
     return buffer;
 }
 
+CSampleBuffer CSampleBufferPool::getWhole(const CSampleBuffer& buffer, int sampleCount)
+{
+    if (buffer.form() == ESampleForm::whole) {
+        return buffer;
+    }
+    CSampleBuffer whole = get(sampleCount);
+    const double scale = buffer.form() == ESampleForm::stuffed ? 2.0 : 1.0;
+    const double* in = buffer.data();
+    double* out = whole.data();
+    for (int i = 0; i < sampleCount / 2; ++i) {
+        out[2 * i] = scale * in[i];
+        out[2 * i + 1] = 0.0;
+    }
+    return whole;
+}
+
 void CSampleBufferPool::prefill(int sampleCount, int count)
 {
     const std::size_t bytes = bytesOf(sampleCount);

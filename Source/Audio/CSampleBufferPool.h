@@ -27,6 +27,8 @@ public:
     [[nodiscard]] CSampleBuffer get(int sampleCount);
     /// The same, filled with zeros.
     [[nodiscard]] CSampleBuffer getSilence(int sampleCount);
+    /// The same samples in the whole form, `sampleCount` of them; unheard ones are zeros.
+    [[nodiscard]] CSampleBuffer getWhole(const CSampleBuffer& buffer, int sampleCount);
     /// Makes `count` buffers of `sampleCount` doubles ready.
     void prefill(int sampleCount, int count);
 

@@ -27,11 +27,14 @@ void CModDecimator::reset()
 
 void CModDecimator::update()
 {
+    const int latency = inputLatency();
+    const bool isOdd = (latency & 1) != 0;
+    // A second connection may bring delays along, which move samples between even and odd places.
+    const bool isHalf = !isOdd && input().connections().size() == 1;
+    input().setHearing(isHalf ? ELineHearing::half : ELineHearing::all);
     if (!isConfigurationChanged()) {
         return;
     }
-    const int latency = inputLatency();
-    const bool isOdd = (latency & 1) != 0;
     m_announced.clear();
     for (int port = 0; port < portCount(); ++port) {
         for (const CAudioLine& line : lines(port)) {
@@ -67,6 +70,11 @@ std::unique_ptr<CDSPModDelay> CModDecimator::takeDelay(CArray<CEvener, 2>& from,
     return delay;
 }
 
+bool CModDecimator::takesForm(ESampleForm form) const
+{
+    return form == ESampleForm::whole || (form == ESampleForm::thinned && m_eveners.empty());
+}
+
 void CModDecimator::processLines()
 {
     const int length = blockLength() / 2;
@@ -75,10 +83,16 @@ void CModDecimator::processLines()
     for (int port = 0; port < portCount(); ++port) {
         for (CAudioLine& line : lines(port)) {
             if (line.buffer && length > 0) {
-                const CSampleBuffer source =
-                    m_eveners.empty() ? line.buffer : m_eveners[index].delay->process(line.buffer, blockLength());
-                CSampleBuffer buffer = pool().get(length);
-                takeEverySecond({source.data(), 2 * count}, {buffer.data(), count});
+                CSampleBuffer buffer = line.buffer;
+                if (!m_eveners.empty()) {
+                    buffer = m_eveners[index].delay->process(buffer, blockLength());
+                }
+                if (buffer.form() == ESampleForm::whole) {
+                    const CSampleBuffer source = std::move(buffer);
+                    buffer = pool().get(length);
+                    takeEverySecond({source.data(), 2 * count}, {buffer.data(), count});
+                }
+                buffer.setForm(ESampleForm::whole);
                 output().send(static_cast<int>(index), buffer, length);
             }
             line.buffer.clear();

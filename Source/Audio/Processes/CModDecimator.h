@@ -17,6 +17,7 @@ public:
 
 protected:
     void processLines() override;
+    [[nodiscard]] bool takesForm(ESampleForm form) const override;
 
 private:
     /// What makes the latency of a line even.

@@ -4,6 +4,7 @@
 #include "Audio/CAudioEnv.h"
 #include "Audio/CAudioParamAllocDef.h"
 #include "Audio/CAudioParamStorage.h"
+#include "Audio/CSampleBufferPool.h"
 #include "Audio/Filters/CAudioFilterGenArray.h"
 #include "Audio/Filters/CDCDAWFilterWorkspace.h"
 #include "Core/CLog.h"
@@ -42,12 +43,14 @@ void CModFilterIIRModule::start()
     if (m_array == nullptr)
         logLine(CString("The 'gen-array' '") + path + "' not found.");
     m_bank.setLineCount(static_cast<std::size_t>(outputCount()));
+    m_taken.resize(static_cast<std::size_t>(outputCount()));
     m_inputs.resize(static_cast<std::size_t>(outputCount()));
     m_buffers.resize(static_cast<std::size_t>(outputCount()));
 }
 
 void CModFilterIIRModule::reset()
 {
+    m_odd = EOdd::kept;
     m_bank.reset();
 }
 
@@ -102,6 +105,28 @@ void CModFilterIIRModule::redesign()
     m_bank.apply(m_design, sampleRate());
 }
 
+bool CModFilterIIRModule::takesForm(ESampleForm form) const
+{
+    return form == ESampleForm::whole || (form == ESampleForm::stuffed && (m_bank.empty() || m_bank.canRunUp()));
+}
+
+bool CModFilterIIRModule::isThinned()
+{
+    const ELineHearing hearing = node().output().hearing();
+    if (hearing == ELineHearing::half) {
+        m_odd = EOdd::leftOut;
+        return blockLength() % 2 == 0 && m_bank.canRunDown();
+    }
+    // What was left out begins anew where it may be heard again; while that is not settled, in each block, since it
+    // would depend on where blocks end otherwise.
+    const bool isSettled = hearing == ELineHearing::all;
+    if (m_odd == EOdd::leftOut || (m_odd == EOdd::begun && !isSettled))
+        m_bank.forgetOdd();
+    if (m_odd != EOdd::kept)
+        m_odd = isSettled ? EOdd::kept : EOdd::begun;
+    return false;
+}
+
 void CModFilterIIRModule::process()
 {
     if (m_bank.empty()) {
@@ -109,11 +134,26 @@ void CModFilterIIRModule::process()
             passInput(0, i, i);
         return;
     }
+    const auto length = static_cast<std::size_t>(blockLength());
+    bool isStuffed = true;
+    for (int i = 0; i < outputCount(); ++i)
+        isStuffed = isStuffed && line(0, i)->buffer.form() == ESampleForm::stuffed;
+    const bool isHalf = !isStuffed && isThinned();
     for (int i = 0; i < outputCount(); ++i) {
-        m_inputs[static_cast<std::size_t>(i)] = input(0, i);
-        m_buffers[static_cast<std::size_t>(i)] = writeOutput(i);
+        const auto place = static_cast<std::size_t>(i);
+        const CSampleBuffer& buffer = line(0, i)->buffer;
+        m_taken[place] = isStuffed ? buffer : pool().getWhole(buffer, blockLength());
+        m_inputs[place] = std::as_const(m_taken[place]).data();
+        m_buffers[place] = isHalf ? writeThinned(i) : writeOutput(i);
     }
-    m_bank.run(m_inputs.data(), m_buffers.data(), static_cast<std::size_t>(blockLength()));
+    if (isStuffed)
+        m_bank.runUp(m_inputs.data(), m_buffers.data(), length / 2);
+    else if (isHalf)
+        m_bank.runDown(m_inputs.data(), m_buffers.data(), length / 2);
+    else
+        m_bank.run(m_inputs.data(), m_buffers.data(), length);
+    for (CSampleBuffer& buffer : m_taken)
+        buffer.clear();
 }
 
 } // namespace qrb

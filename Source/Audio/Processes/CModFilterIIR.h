@@ -24,6 +24,7 @@ public:
     void reset() override;
     void update() override;
     void process() override;
+    [[nodiscard]] bool takesForm(ESampleForm form) const override;
 
 private:
     struct CNamedParam {
@@ -31,10 +32,14 @@ private:
         std::size_t place = 0; ///< of its value in m_params
     };
 
+    /// The bank's signals of samples at odd places, which it may leave out while nobody hears them.
+    enum class EOdd { kept, leftOut, begun };
+
     [[nodiscard]] bool isComplete() const;
     [[nodiscard]] bool pickDesigner();
     [[nodiscard]] bool takeValues();
     void redesign();
+    [[nodiscard]] bool isThinned();
 
     CAudioParamSlot m_indexSlot;
     CArray<CNamedParam, 4> m_named;
@@ -44,9 +49,11 @@ private:
     CAudioFilterParams m_params; ///< the values the running stages were designed with
     CAudioFilterStageList m_design;
     CFilterBank m_bank;
+    CArray<CSampleBuffer, 2> m_taken; ///< while a block runs: its inputs in the form that suits all lines
     CArray<const double*, 2> m_inputs;
     CArray<double*, 2> m_buffers;
     bool m_isRebuildDue = true;
+    EOdd m_odd = EOdd::kept;
 };
 
 class CModFilterIIR : public CAudioProcessTerminal<CModFilterIIRModule> {};

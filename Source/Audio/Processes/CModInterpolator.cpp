@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/Processes/CModInterpolator.h"
 
-#include "Audio/CSampleBufferPool.h"
-#include "Audio/Processes/RateMath.h"
-
 namespace qrb {
 
 void CModInterpolator::update()
@@ -22,15 +19,13 @@ void CModInterpolator::update()
 
 void CModInterpolator::processLines()
 {
-    const auto length = static_cast<std::size_t>(blockLength());
     int index = 0;
     for (int port = 0; port < portCount(); ++port) {
         for (CAudioLine& line : lines(port)) {
             if (line.buffer) {
-                CSampleBuffer buffer = pool().get(2 * blockLength());
-                stuffZeros({line.buffer.data(), length}, {buffer.data(), 2 * length});
+                line.buffer.setForm(ESampleForm::stuffed);
+                output().send(index, line.buffer, 2 * blockLength());
                 line.buffer.clear();
-                output().send(index, buffer, 2 * blockLength());
             }
             ++index;
         }

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/CAudioProcessComposite.h"
+#include "Audio/Filters/CFilterBank.h"
+#include "Audio/Processes/RateMath.h"
 #include "Tests/Audio/BandDocs.h"
 #include "Tests/Audio/CGraphRig.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <complex>
@@ -87,6 +90,20 @@ struct CResampleRig : CGraphRig {
         return names;
     }
 };
+
+CAudioFilterStageList halfBandDesign(bool isSteep)
+{
+    CAudioFilterStageList list;
+    if (isSteep)
+        list.append(static_cast<EFilterKind>(4),
+                    std::array{0.0358327884310621, 0.27204014339645771, 0.572057197235700250, 0.82712476199732377},
+                    std::array{0.13409014194306693, 0.42432487127186835, 0.706292142138639220, 0.94150309417375522},
+                    nullptr);
+    else
+        list.append(static_cast<EFilterKind>(2), std::array{0.042454709865267684, 0.39331989319032801},
+                    std::array{0.17073985049749907, 0.74571358872022298}, nullptr);
+    return list;
+}
 
 CGraphRig::FInput sine(double frequency, double sampleRate)
 {
@@ -233,6 +250,77 @@ TEST(CModResampler, BlocksAllocateNothingAndTheirCutsAreNotHeard)
         for (int i = 0; i < 8; ++i)
             rig.feedOnly(block);
         EXPECT_EQ(rig.allocations, 0u);
+    }
+}
+
+TEST(CModResampler, RecursiveStagesAreFiltersBetweenZerosAndDrops)
+{
+    for (const int late : {0, 1}) {
+        for (const int mode : {2, 3, 4}) {
+            const std::string delay = "<audio:modDelay name='delay' latency='" + std::to_string(late) + "'/>";
+            CResampleRig rig(kUp + delay + kDown, mode, false);
+            rig.setLines({{0, 0}, {1, 0}, {2, 0}});
+            rig.input = [](int line, int sample) {
+                return std::sin(0.37 * sample * (line + 1)) * std::exp(-0.01 * sample);
+            };
+            const auto out = rig.run(700, 64);
+            for (const auto& [channel, samples] : out) {
+                CSignal want;
+                for (int n = 0; n < 700; ++n)
+                    want.push_back(rig.input(channel, n));
+                std::vector<CFilterBank> banks(2 * static_cast<std::size_t>(mode - 1));
+                for (std::size_t i = 0; i < banks.size(); ++i)
+                    banks[i].apply(halfBandDesign(i == 0 || i + 1 == banks.size()), kRate);
+                for (std::size_t i = 0; i < banks.size(); ++i) {
+                    const bool isUp = i < banks.size() / 2;
+                    CSignal high(want.size() * 2);
+                    if (isUp)
+                        stuffZeros(want, high);
+                    else
+                        high = want;
+                    double* line = high.data();
+                    banks[i].run(&line, &line, high.size());
+                    // The delay itself, and at each fall the sample that makes the latency even.
+                    if (late != 0 && i + 1 >= banks.size() / 2) {
+                        high.insert(high.begin(), 0.0);
+                        high.pop_back();
+                    }
+                    want = high;
+                    if (!isUp) {
+                        want.resize(high.size() / 2);
+                        takeEverySecond(high, want);
+                    }
+                }
+                for (std::size_t n = 0; n < want.size(); ++n)
+                    ASSERT_NEAR(samples[n], want[n], 1e-14)
+                        << "mode " << mode << ", delay " << late << ", sample " << n;
+            }
+        }
+    }
+}
+
+TEST(CModResampler, SamplesThatNobodyHeardComeBackTheSameHoweverBlocksAreCut)
+{
+    const std::string delays = "<audio:modProcessSwitch name='delay' process-list='0:.even;1:.odd'>"
+                               "<audio:param-alloc name='index' index='0' param-name='^late'/>"
+                               "<audio:modDelay name='even' latency='2'/><audio:modDelay name='odd' latency='3'/>"
+                               "</audio:modProcessSwitch>";
+    CSignal reference;
+    for (const int block : {64, 1, 17, 512}) {
+        CResampleRig rig(paramXml("late", "0") + kUp + delays + kDown, 3, false);
+        rig.input = [](int line, int sample) { return std::sin(0.37 * sample * (line + 1)); };
+        CSignal out;
+        for (const double late : {0.0, 1.0, 0.0, 1.0}) {
+            rig.set("late", late);
+            for (const int count : {301, 1}) { // the second one ends in a block of its own
+                const CSignal part = rig.run(count, block).at(0);
+                out.insert(out.end(), part.begin(), part.end());
+            }
+        }
+        if (reference.empty())
+            reference = out;
+        const auto differing = std::ranges::mismatch(out, reference);
+        EXPECT_EQ(differing.in1, out.end()) << "blocks of " << block << ", sample " << differing.in1 - out.begin();
     }
 }
 
