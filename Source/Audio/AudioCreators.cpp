@@ -29,6 +29,7 @@
 #include "Audio/Filters/CAudioFilterRBJGen.h"
 #include "Audio/Filters/CAudioFilterSerialGen.h"
 #include "Audio/Filters/CAudioFilterSerialGenItem.h"
+#include "Audio/Presets/CAudioParamRegistry.h"
 #include "Audio/Processes/CModAbs.h"
 #include "Audio/Processes/CModAlphaComp.h"
 #include "Audio/Processes/CModAlphaEnv.h"
@@ -113,6 +114,7 @@ std::span<const CCreatorRow> audioCreators()
         creatorRow<CAudioParamDef>("audio:param"),
         creatorRow<CAudioParamAllocDef>("audio:param-alloc"),
         creatorRow<CAudioParamCollector>("audio:param-collector"),
+        creatorRow<CAudioParamRegistry>("audio:param-registry"),
         creatorRow<CAudioParamRemapDef>("audio:param-remap"),
         creatorRow<CAudioParamSharedStorage>("audio:param-shared-storage"),
         creatorRow<CAudioProcessBypassStateDef>("audio:process-bypass-state"),

@@ -7,8 +7,9 @@
 
 namespace qrb {
 
-/// Names of states from the list of presets in a local block of application data, appended to both lists alike. A block
-/// that is empty or missing is an error. The presets in a block give no names yet: their format comes with the presets.
+/// Names of states from the list of presets in a local block of application data, appended to both lists alike: one for
+/// each preset, "Long;Short" behind its registry's id. A block that is empty or missing is an error; one that cannot be
+/// read gives no names.
 CErrorPtr readStateNameList(const CString& dataName, CArray<CString>& longNames, CArray<CString>& shortNames);
 
 } // namespace qrb

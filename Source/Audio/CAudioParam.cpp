@@ -36,7 +36,6 @@ void CAudioParam::bindInfo(const CAudioParamInfo& info, const void* source, cons
     // Another shape empties the audio storage, and its room goes with that.
     m_sentCells.clear();
     m_sentGroups = 1;
-    // The registry that `registryPath` names is bound here once registries are there.
     for (std::int32_t group = 0; group < std::max(1, info.defaults.groupCount()); ++group) {
         CAudioParamUpdate record = info.defaults.wholeGroup(group, group == 0 ? kAudioParamTemplateGroup : group);
         record.source = source;
@@ -135,7 +134,9 @@ void CAudioParam::afterEdit(const CAudioParamUpdate& record, const CAudioParamGu
                             const CAudioParamRoute& route)
 {
     send(record, guard, route);
-    // A bound registry activates the preset that the new value selects here, before the listeners hear of it.
+    // Not on the audio thread: activating a preset takes its time.
+    if (!guard.isAudio())
+        m_collector.selectPreset(*this, record, route);
     tell(record, guard);
     // Attached parameter filters derive their destinations here, as the last step.
 }

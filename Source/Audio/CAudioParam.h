@@ -105,6 +105,14 @@ public:
     /// Reads what save() wrote. Everything stays as it was on failure.
     CErrorPtr load(std::span<const std::uint8_t> data, const CLoadPlace& place, const void* source = nullptr,
                    const CAudioParamRoute& route = {});
+    /// The first half of that, which changes no parameter: the values of one of that description, within its bounds.
+    static CErrorPtr readSaved(std::span<const std::uint8_t> data, const CAudioParamInfo& info,
+                               CAudioParamStorage& values);
+    /// The second half: puts values of the parameter's own shape in place. It cannot fail.
+    void loadValues(CAudioParamStorage&& values, const CLoadPlace& place, const void* source = nullptr,
+                    const CAudioParamRoute& route = {});
+    /// Returns the place that data would be loaded to, other than the reset values, to these.
+    void resetPlace(const CLoadPlace& place, const void* source = nullptr, const CAudioParamRoute& route = {});
 
 private:
     friend class CAudioParamCollector;
@@ -125,8 +133,11 @@ private:
                  std::int32_t key, const void* source, const CAudioParamRoute& route);
     void replaceGroup(std::int32_t group, const CAudioParamStorage& from, std::int32_t fromGroup,
                       const CAudioParamGuard& guard, const void* source, const CAudioParamRoute& route);
-    void resetElement(std::int32_t group, std::int32_t element, EResetFrom from, const CAudioParamGuard& guard,
+    void resetAll(const CAudioParamGuard& guard, const void* source, const CAudioParamRoute& route);
+    void resetElement(const CLoadPlace& place, EResetFrom from, const CAudioParamGuard& guard, const void* source,
                       const CAudioParamRoute& route);
+    [[nodiscard]] bool isPlaceSeen(const CLoadPlace& place) const;
+    [[nodiscard]] std::int32_t defaultCount() const;
     void copyElement(std::int32_t group, std::int32_t element, const CAudioParamStorage& from,
                      std::span<const double> cells, bool isToEnd, const CAudioParamGuard& guard, const void* source,
                      const CAudioParamRoute& route);
@@ -134,8 +145,8 @@ private:
                  const CAudioParamRoute& route);
     void loadPart(const CAudioParamStorage& values, const CLoadPlace& place, const CAudioParamGuard& guard,
                   const void* source, const CAudioParamRoute& route);
-    void growTemplate(const CAudioParamStorage& values, bool isToEnd, const CAudioParamGuard& guard, const void* source,
-                      const CAudioParamRoute& route);
+    void growTemplate(const CAudioParamStorage& from, std::span<const double> element, bool isToEnd,
+                      const CAudioParamGuard& guard, const void* source, const CAudioParamRoute& route);
     /// Applies a record to what modules read and tells the readers. Thread: audio, or any while no audio runs.
     void applyToAudio(CAudioParamUpdateRecord& record);
 

@@ -31,7 +31,6 @@ CAudioParam& CAudioParamCollector::getParam(const CString& path)
 {
     const CString& resolved = m_renames.resolve(path);
     CAudioParamPathEntry* entry = m_params.find(resolved);
-    // Registries are offered the new parameter here once they are there.
     if (entry == nullptr)
         entry = &m_params.add(std::make_unique<CAudioParam>(*this, resolved));
     return *static_cast<CAudioParam*>(entry);
@@ -263,6 +262,7 @@ void CAudioParamCollector::runChanges()
         record.source = change.source;
         if (record.elementCount > 0)
             record.values += static_cast<std::ptrdiff_t>(record.firstElement) * record.format.elementSize;
+        selectPreset(*change.param, record, {});
         tellListeners(*change.param, record);
     }
 }

@@ -20,6 +20,7 @@ namespace qrb {
 
 class CAppData;
 class CAudioEnv;
+class CAudioParamRegistry;
 class CSharedParam;
 
 /// All parameters of one instance, and the queue that takes their changes to the audio side. Notifies the listeners of a
@@ -55,6 +56,26 @@ public:
     {
         return static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&param));
     }
+
+    /// Parameters that came after `seen`, which is moved to the newest; null means all. Thread: any.
+    void listNewParams(const CAudioParamPathEntry*& seen, CArray<CAudioParam*>& out) const;
+
+    // Registries join and leave while the instance's tree is built and taken down; in between any thread may ask.
+
+    /// An enumerated registry takes the parameters below its hierarchy away from all others; of several the first.
+    void addRegistry(CAudioParamRegistry& registry);
+    void removeRegistry(CAudioParamRegistry& registry);
+    [[nodiscard]] std::span<CAudioParamRegistry* const> registries() const { return m_registries.span(); }
+    /// The registry of that full name, or null. Thread: any.
+    [[nodiscard]] CAudioParamRegistry* findRegistry(const CString& path) const;
+    /// Whether a registry has the parameter of a path. Thread: any.
+    [[nodiscard]] bool belongsTo(const CString& path, const CAudioParamRegistry& registry) const;
+    /// All parameters of the instance are there: the master takes its first program. What fails is reported, and leaves
+    /// the declared defaults.
+    void completeRegistries();
+    /// Before a user's change of a parameter: the presets that it belongs to are no longer those of their lists.
+    /// Thread: any.
+    void tellHandChange(const CAudioParam& param, std::int32_t group, const CAudioParamRoute& route = {});
 
     /// Mirrors a parameter in a block of application data. A link that exists already is kept. It starts at once if the
     /// parameter is bound, otherwise with the runDeferred() after that. Thread: the owner's.
@@ -106,6 +127,8 @@ private:
     void deferChange(const CAudioParamDeferredCalls::CChange& change);
     void tellListeners(CAudioParam& param, const CAudioParamUpdate& record);
     void onBound();
+    /// Has the registry that a parameter selects from activate its presets, if it is a selector.
+    void selectPreset(const CAudioParam& param, const CAudioParamUpdate& record, const CAudioParamRoute& route);
     void takeDeferred();
     void runChanges();
     void runCalls();
@@ -130,6 +153,8 @@ private:
     std::atomic<bool> m_isDeferredWaiting{false};
     std::atomic<bool> m_hasDeferred{false};
     std::function<void()> m_wakeHook;
+
+    CArray<CAudioParamRegistry*, 8> m_registries; ///< in the order of the tree
 
     CArray<std::unique_ptr<CSharedParam>> m_sharedParams; ///< owner's thread only
     std::atomic<bool> m_hasSharedParams{false};

@@ -63,6 +63,8 @@ public:
     CErrorPtr save(COutputStream& out, std::int32_t group = -1) const;
     /// Replaces the values, not the default elements; they stay as they were on failure.
     CErrorPtr load(CInputStream& in);
+    /// Takes the values of another storage of the same shape over, and keeps the own default elements.
+    void takeValues(CAudioParamStorage&& from);
 
 private:
     friend class CAudioParamUpdateRecord;

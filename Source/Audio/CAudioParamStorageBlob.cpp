@@ -72,13 +72,18 @@ CErrorPtr CAudioParamStorage::load(CInputStream& in)
     loaded.setFormat(m_format);
     for (std::int32_t g = 0; g < groups; ++g)
         QRB_TRY(loaded.loadGroup(in, loaded.m_groups.emplace(), items));
-    loaded.m_defaults = m_defaults;
-    if (m_format.hasItems())
-        for (double& key : loaded.m_defaults)
-            key = loaded.m_data.addCopy(&m_data, audioParamKey(key), m_format.type);
-    loaded.m_hasData = true;
-    *this = std::move(loaded);
+    takeValues(std::move(loaded));
     return {};
+}
+
+void CAudioParamStorage::takeValues(CAudioParamStorage&& from)
+{
+    from.m_defaults = std::move(m_defaults);
+    if (m_format.hasItems())
+        for (double& key : from.m_defaults)
+            key = from.m_data.addCopy(&m_data, audioParamKey(key), m_format.type);
+    from.m_hasData = true;
+    *this = std::move(from);
 }
 
 CErrorPtr CAudioParamStorage::loadGroup(CInputStream& in, CCells& cells, CAudioParamData& items)

@@ -2,10 +2,7 @@
 #include "Audio/CAudioParam.h"
 #include "Audio/CAudioParamCells.h"
 #include "Audio/CAudioParamCollector.h"
-#include "Audio/Presets/CAudioParamUndoEntry.h"
 #include "Core/CLog.h"
-#include "Core/CMemoryReaderStatic.h"
-#include "Core/COutputStream.h"
 
 #include <algorithm>
 
@@ -120,28 +117,63 @@ void CAudioParam::resetValues(std::int32_t group, std::int32_t element, EResetFr
     if (!isBound())
         return;
     if (group < 0) {
-        const std::int32_t groups = std::max(m_reset.groupCount(), m_edit.groupCount());
-        for (std::int32_t g = 0; g < groups; ++g)
-            replaceGroup(g, m_reset, g, guard, nullptr, route);
+        resetAll(guard, nullptr, route);
     } else if (element < 0) {
         // The template stands for group 0; a group of its own it has none, and without defaults nothing could be filled.
         const bool isFirst = from == EResetFrom::firstElement || group == kAudioParamTemplateGroup;
         replaceGroup(group, m_reset, isFirst ? 0 : group, guard, nullptr, route);
     } else {
-        resetElement(group, element, from, guard, route);
+        resetElement({.group = group, .element = element}, from, guard, nullptr, route);
     }
 }
 
-void CAudioParam::resetElement(std::int32_t group, std::int32_t element, EResetFrom from, const CAudioParamGuard& guard,
-                               const CAudioParamRoute& route)
+void CAudioParam::resetPlace(const CLoadPlace& place, const void* source, const CAudioParamRoute& route)
+{
+    const CAudioParamGuard guard(m_collector);
+    if (!isBound() || !isPlaceSeen(place))
+        return;
+    if (place.group < 0)
+        resetAll(guard, source, route);
+    else if (place.element < 0)
+        replaceGroup(place.group, m_reset, place.group == kAudioParamTemplateGroup ? 0 : place.group, guard, source,
+                     route);
+    else
+        resetElement(place, EResetFrom::samePlace, guard, source, route);
+}
+
+void CAudioParam::resetAll(const CAudioParamGuard& guard, const void* source, const CAudioParamRoute& route)
+{
+    const std::int32_t groups = std::max(m_reset.groupCount(), m_edit.groupCount());
+    for (std::int32_t g = 0; g < groups; ++g)
+        replaceGroup(g, m_reset, g, guard, source, route);
+}
+
+void CAudioParam::resetElement(const CLoadPlace& place, EResetFrom from, const CAudioParamGuard& guard,
+                               const void* source, const CAudioParamRoute& route)
 {
     const bool isFirst = from == EResetFrom::firstElement;
     const std::size_t size = static_cast<std::size_t>(m_reset.format().elementSize);
-    const std::size_t place = (isFirst ? 0 : static_cast<std::size_t>(element)) * size;
-    const std::span<const double> cells = m_reset.cells(isFirst ? 0 : group);
-    const bool isThere = cells.size() >= size && place <= cells.size() - size;
-    copyElement(group, element, m_reset, isThere ? cells.subspan(place, size) : m_reset.defaultElement(element), false,
-                guard, nullptr, route);
+    const std::size_t cell = (isFirst ? 0 : static_cast<std::size_t>(place.element)) * size;
+    const std::span<const double> cells = m_reset.cells(isFirst ? 0 : place.group);
+    const bool isThere = cells.size() >= size && cell <= cells.size() - size;
+    const std::span<const double> value = isThere ? cells.subspan(cell, size) : m_reset.defaultElement(place.element);
+    if (place.group != kAudioParamTemplateGroup || place.element == 0)
+        copyElement(place.group, place.element, m_reset, value, place.isToEnd, guard, source, route);
+    else if (place.element == defaultCount())
+        growTemplate(m_reset, value, place.isToEnd, guard, source, route);
+    else
+        logFormat("Unexpected Element %i (expected %i), param '%s'.", place.element, defaultCount(),
+                  path().toUtf8().c_str());
+}
+
+bool CAudioParam::isPlaceSeen(const CLoadPlace& place) const
+{
+    return !m_edit.format().isSingleGroup || place.group <= 0 || place.group == kAudioParamTemplateGroup;
+}
+
+std::int32_t CAudioParam::defaultCount() const
+{
+    return static_cast<std::int32_t>(m_edit.defaultCells().size()) / m_edit.format().elementSize;
 }
 
 void CAudioParam::replaceGroup(std::int32_t group, const CAudioParamStorage& from, std::int32_t fromGroup,
@@ -167,100 +199,6 @@ void CAudioParam::copyElement(std::int32_t group, std::int32_t element, const CA
     record.format = from.format();
     record.values = cells.data();
     record.data = &from.data();
-    updateHeld(record, guard, route);
-}
-
-CErrorPtr CAudioParam::save(COutputStream& out, std::int32_t group) const
-{
-    const CAudioParamGuard guard(m_collector);
-    const CAudioParamInfo* const info = this->info();
-    QRB_TRY(out.writeString(info != nullptr ? info->definitionPath : path()));
-    return m_edit.save(out, group);
-}
-
-CErrorPtr CAudioParam::load(std::span<const std::uint8_t> data, const CLoadPlace& place, const void* source,
-                            const CAudioParamRoute& route)
-{
-    const CAudioParamGuard guard(m_collector);
-    const CAudioParamInfo* const info = this->info();
-    if (info == nullptr)
-        return {};
-    CMemoryReaderStatic in(data);
-    CString name;
-    QRB_TRY(in.readString(name));
-    CAudioParamStorage values = place.isReset ? m_reset : m_edit;
-    QRB_TRY(values.load(in));
-    values.clamp(*info);
-    if (place.isReset) {
-        m_reset = std::move(values);
-    } else if (place.group >= 0) {
-        loadPart(values, place, guard, source, route);
-    } else {
-        loadAll(std::move(values), guard, source, route);
-    }
-    return {};
-}
-
-void CAudioParam::loadAll(CAudioParamStorage&& values, const CAudioParamGuard& guard, const void* source,
-                          const CAudioParamRoute& route)
-{
-    const std::int32_t groups = std::max(values.groupCount(), m_edit.groupCount());
-    CAudioParamUndoEntry* const undo = undoOf(route);
-    for (std::int32_t g = 0; undo != nullptr && g < groups; ++g)
-        undo->captureBefore(path(), g, m_edit, false);
-    m_edit = std::move(values);
-    for (std::int32_t g = 0; undo != nullptr && g < groups; ++g)
-        undo->captureAfter(path(), g, m_edit, false);
-    for (std::int32_t g = 0; g < groups; ++g) {
-        CAudioParamUpdate record = m_edit.wholeGroup(g, g);
-        record.source = source;
-        afterEdit(record, guard, route);
-    }
-}
-
-void CAudioParam::loadPart(const CAudioParamStorage& values, const CLoadPlace& place, const CAudioParamGuard& guard,
-                           const void* source, const CAudioParamRoute& route)
-{
-    const std::size_t size = static_cast<std::size_t>(values.format().elementSize);
-    const std::span<const double> cells = values.cells(0);
-    if (cells.empty())
-        return;
-    if (place.element < 0) {
-        replaceGroup(place.group, values, 0, guard, source, route);
-        return;
-    }
-    if (place.group != kAudioParamTemplateGroup || place.element == 0) {
-        copyElement(place.group, place.element, values, cells.first(size), place.isToEnd, guard, source, route);
-        return;
-    }
-    const std::int32_t defaults = static_cast<std::int32_t>(m_edit.defaultCells().size() / size);
-    if (place.element != defaults) {
-        logFormat("Unexpected LoadElement %i (expected %i).", place.element, defaults);
-        return;
-    }
-    growTemplate(values, place.isToEnd, guard, source, route);
-}
-
-void CAudioParam::growTemplate(const CAudioParamStorage& values, bool isToEnd, const CAudioParamGuard& guard,
-                               const void* source, const CAudioParamRoute& route)
-{
-    const CAudioParamFormat& format = values.format();
-    CArray<double, 8> cells;
-    CAudioParamData items;
-    const auto add = [&](std::span<const double> from, const CAudioParamData& data) {
-        for (const double cell : from)
-            cells.append(format.hasItems() ? double(items.addCopy(&data, audioParamKey(cell), format.type)) : cell);
-    };
-    add(m_edit.defaultCells(), m_edit.data());
-    add(values.cells(0).first(static_cast<std::size_t>(format.elementSize)), values.data());
-    CAudioParamUpdate record;
-    record.group = kAudioParamTemplateGroup;
-    record.elementCount = static_cast<std::int32_t>(cells.size()) / format.elementSize;
-    record.isToEnd = isToEnd;
-    record.source = source;
-    record.format = format;
-    record.values = cells.data();
-    record.data = &items;
     updateHeld(record, guard, route);
 }
 

@@ -6,6 +6,7 @@
 #include "Audio/CAudioProcessBase.h"
 #include "Audio/CAudioProcessDefBase.h"
 #include "Audio/CSampleBufferPool.h"
+#include "Audio/Presets/CAudioParamRegistry.h"
 #include "Audio/Processes/CModOutput.h"
 #include "Core/CAppData.h"
 #include "Core/CApplication.h"
@@ -72,6 +73,7 @@ CErrorPtr CAudioWrapper::init()
     prefillAllocator();
     attachHostParams();
     QRB_TRY(createNodes());
+    m_paramCollector->completeRegistries();
     setChannelCounts(1, 0);
     setOutputs({.channelCount = 1});
     readSettings();
@@ -97,6 +99,7 @@ CErrorPtr CAudioWrapper::findObjects()
 {
     QRB_TRY(m_root->findObjectChecked("plugin.audio-env", m_env));
     QRB_TRY(m_root->findObjectChecked("plugin.param-collector", m_paramCollector));
+    m_paramRegistry = dynamic_cast<CAudioParamRegistry*>(m_root->findObject("plugin.param-registry"));
     return nullptr;
 }
 

@@ -20,9 +20,12 @@ namespace qrb {
 
 class CAudioEnv;
 class CAudioParamCollector;
+class CAudioParamRegistry;
 class CAudioProcessBase;
 class CModOutput;
+class CInputStream;
 class CObject;
+class COutputStream;
 class CSampleBufferPool;
 
 /// One instance of the plug-in, whatever the host: its object tree, its two top process nodes and the main loop.
@@ -80,6 +83,10 @@ public:
     [[nodiscard]] std::int64_t getTailSamples() const;
     /// Thread: any.
     [[nodiscard]] bool isActive() const;
+    /// The whole state of the instance for the host: one chunk. Thread: any.
+    CErrorPtr saveState(COutputStream& out);
+    /// Brings a saved state back; everything stays as it was on failure. Thread: any.
+    CErrorPtr loadState(CInputStream& in);
     /// Does what blocks have left for the owner's thread: listeners, application data. To be called from time to time.
     void runIdle();
 
@@ -89,6 +96,8 @@ public:
     [[nodiscard]] CAudioParamCollector& paramCollector() { return *m_paramCollector; }
     /// How quiet blocks run. Thread: audio.
     [[nodiscard]] CAudioProcessPlan& plan() { return m_plan; }
+    /// The master registry; null for a product without presets.
+    [[nodiscard]] CAudioParamRegistry* paramRegistry() { return m_paramRegistry; }
     /// Calls of the library's allocator during the last block. Thread: that of processBlock.
     [[nodiscard]] std::uint64_t getBlockAllocations() const { return m_blockAllocations; }
 
@@ -118,6 +127,7 @@ private:
     CObject* m_root = nullptr; // released behind the nodes, which read its parameters
     CAudioEnv* m_env = nullptr;
     CAudioParamCollector* m_paramCollector = nullptr;
+    CAudioParamRegistry* m_paramRegistry = nullptr;
 
     std::unique_ptr<CSampleBufferPool> m_pool; // outlives all that holds its buffers
     CAudioLineSource m_inputSource;
