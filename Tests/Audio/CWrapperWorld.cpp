@@ -29,6 +29,10 @@ std::string document(const std::string& projectAttrs)
           <audio:process-def name="modMain" is-auto-links="true">)" +
            param("level", "1") + param("host-oversampling-mode", "9") + param("host-offline", "0") +
            param("host-latency-change", "0") + param("host-bpm", "0") + R"(
+            <audio:param name="mix" element-size="1" converter="audio.paramcvt.real" min-values="0" max-values="9"
+                def-values="1,2,3;4" is-storable="true"/>
+            <audio:param name="keep" element-size="1" converter="audio.paramcvt.real" min-values="0" max-values="9"
+                def-values="5" is-persistent="true"/>
             <test:recorder name="modRecorder">
               <audio:param-alloc name="level" index="0" param-name="^level"/>
             </test:recorder>
@@ -39,6 +43,8 @@ std::string document(const std::string& projectAttrs)
         <template name="plugin" class="core:object">
           <audio:audio-env name="audio-env"/>
           <audio:param-collector name="param-collector" env="^audio-env"/>
+          <audio:param-registry name="param-registry" hierarchy="plugin.modMain" id="test" is-master="true"
+            param-collector="^param-collector" def-name-remap="plugin=audio"/>
         </template></shared>)";
 }
 

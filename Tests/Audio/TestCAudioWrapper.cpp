@@ -3,8 +3,10 @@
 
 #include "Audio/CAudioEnv.h"
 #include "Audio/CAudioParamCollector.h"
+#include "Core/CMemoryReaderStatic.h"
 #include "Core/CWorkerBatch.h"
 #include "Core/CWorkerThread.h"
+#include "Core/CWriteSeqBuffer.h"
 #include "Platform/CAutoResetEvent.h"
 #include "Platform/CSystemThread.h"
 #include "Tests/Audio/CWrapperWorld.h"
@@ -272,6 +274,50 @@ TEST_F(CAudioWrapperTest, OversamplingFollowsRateAndOfflineState)
     EXPECT_EQ(m_wrapper.param(mode), 0.0);
     m_wrapper.setHostBPM(123.0);
     EXPECT_EQ(m_wrapper.param("plugin.modMain.host-bpm"), 123.0);
+}
+
+TEST_F(CAudioWrapperTest, AStateIsOneChunkThatBringsEverythingBack)
+{
+    const auto value = [](CTestWrapper& wrapper, const char* name, int group, int element) {
+        return wrapper.paramCollector().getParam(CString("plugin.modMain.") + name).value(group, element);
+    };
+    std::mt19937 random(7);
+    for (int round = 0; round < 20; ++round) {
+        for (int i = 0; i < 10; ++i)
+            m_wrapper.paramCollector()
+                .getParam("plugin.modMain.mix")
+                .setElement(static_cast<int>(random() % 8), static_cast<int>(random() % 9),
+                            static_cast<double>(random()) / 1e9);
+        m_wrapper.paramCollector()
+            .getParam("plugin.modMain.keep")
+            .setElement(0, 0, static_cast<double>(random()) / 1e9);
+        CWriteSeqBuffer out;
+        ASSERT_EQ(errorText(m_wrapper.saveState(out)), "");
+        CByteArray bytes;
+        out.getContiguous(bytes);
+        EXPECT_EQ(std::string(bytes.begin(), bytes.begin() + 4), "aprs");
+
+        CTestWrapper other;
+        ASSERT_EQ(errorText(other.init()), "");
+        other.paramCollector().getParam("plugin.modMain.mix").setElement(0, 0, 8.5);
+        for (const std::size_t cut : {std::size_t{0}, std::size_t{11}, bytes.size() / 2, bytes.size() - 1}) {
+            CMemoryReaderStatic damaged(bytes.span().first(cut));
+            EXPECT_NE(errorText(other.loadState(damaged)), "");
+        }
+        EXPECT_EQ(value(other, "mix", 0, 0), 8.5);
+        EXPECT_EQ(value(other, "keep", 0, 0), 5.0);
+        CMemoryReaderStatic in(bytes.span());
+        ASSERT_EQ(errorText(other.loadState(in)), "");
+        for (int group = 0; group < 9; ++group)
+            for (int element = 0; element < 10; ++element)
+                EXPECT_EQ(value(other, "mix", group, element), value(m_wrapper, "mix", group, element));
+        EXPECT_EQ(value(other, "keep", 0, 0), value(m_wrapper, "keep", 0, 0));
+        CWriteSeqBuffer again;
+        ASSERT_EQ(errorText(other.saveState(again)), "");
+        CByteArray bytesAgain;
+        again.getContiguous(bytesAgain);
+        EXPECT_EQ(bytesAgain, bytes);
+    }
 }
 
 TEST_F(CAudioWrapperTest, EndOfAnInstanceEndsIdleWorkers)

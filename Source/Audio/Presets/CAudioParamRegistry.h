@@ -49,8 +49,8 @@ public:
 
     // Presets. All of a preset is checked before anything changes, so an error leaves everything as it was.
 
-    /// Activates a preset payload in a group, or in all (-1). With a source it is the host's state: persistent
-    /// parameters count, the program is found by its name, and history and shadow are cleared.
+    /// Activates a preset payload in a group, or in all (-1). With a source the master takes it as the host's state:
+    /// persistent parameters count, the program is found by its name, and history and shadow are cleared.
     CErrorPtr activatePreset(CInputStream& in, const void* source, std::int32_t group);
     CErrorPtr activatePreset(const CAudioPreset& preset, const void* source, std::int32_t group);
     /// Writes a preset payload. Master: one of the built-in presets or of the session, where -1 is the current one as

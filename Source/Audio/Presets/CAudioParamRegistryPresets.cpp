@@ -149,7 +149,7 @@ CErrorPtr CAudioParamRegistry::activatePreset(CInputStream& in, const void* sour
 CErrorPtr CAudioParamRegistry::activatePreset(const CAudioPreset& preset, const void* source, std::int32_t group)
 {
     QRB_TRY(checkId(preset));
-    if (source != nullptr)
+    if (source != nullptr && m_isMaster)
         return loadHostState(preset, source);
     // A group that no parameter can have is as good as one that none has.
     if (group >= kAudioParamMaxGroups)

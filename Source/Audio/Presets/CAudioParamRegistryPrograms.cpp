@@ -42,7 +42,7 @@ CErrorPtr CAudioParamRegistry::loadHostState(const CAudioPreset& preset, const v
         const CAudioParamGuard guard(*m_collector);
         CArray<CCheckedItem> items;
         QRB_TRY(checkItems(preset, true, items));
-        if (m_isMaster) {
+        {
             const CScopedLock lock(m_bankLock);
             m_current = 0;
             for (std::int32_t i = m_session.count() - 1; i >= 0; --i)
@@ -56,8 +56,7 @@ CErrorPtr CAudioParamRegistry::loadHostState(const CAudioPreset& preset, const v
         }
         forgetHistories();
     }
-    if (m_isMaster)
-        tellListeners(source);
+    tellListeners(source);
     return {};
 }
 
