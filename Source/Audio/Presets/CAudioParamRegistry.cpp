@@ -98,7 +98,8 @@ CErrorPtr CAudioParamRegistry::initChilds()
 void CAudioParamRegistry::createBanks()
 {
     // What cannot be read leaves the session with a program of defaults: no file keeps the instance from starting.
-    if (CErrorPtr error = readBank(getAttrString("file"), m_factory))
+    const CString file = getAttrString("file");
+    if (CErrorPtr error = file.empty() ? CErrorPtr() : readBank(file, m_factory))
         logError(error);
     m_session = m_factory;
     m_factory.name = kFactoryName;

@@ -114,7 +114,6 @@ private:
 
     CErrorPtr readRemaps(const CString& text);
     void createBanks();
-    void readFactoryBank();
     void readDefaultPreset();
     void readChoices();
     CErrorPtr applyStart(const CAudioPreset& preset);
