@@ -45,6 +45,7 @@
 #include "Audio/Processes/CModLatencyUniformer.h"
 #include "Audio/Processes/CModLeveler.h"
 #include "Audio/Processes/CModMSCoder.h"
+#include "Audio/Processes/CModMeter.h"
 #include "Audio/Processes/CModMix.h"
 #include "Audio/Processes/CModMult.h"
 #include "Audio/Processes/CModMute.h"
@@ -56,8 +57,10 @@
 #include "Audio/Processes/CModRouter.h"
 #include "Audio/Processes/CModSidechain.h"
 #include "Audio/Processes/CModSidechainMute.h"
+#include "Audio/Processes/CModSpectrum.h"
 #include "Audio/Processes/CModXOTube.h"
 #include "Audio/Viz/CAudioVizCollector.h"
+#include "Audio/Viz/CVizExchange.h"
 
 namespace qrb {
 
@@ -99,6 +102,7 @@ std::span<const CCreatorRow> audioCreators()
         creatorRow<CModLatencyUniformerDef>("audio:modLatencyUniformer"),
         creatorRow<CModLevelerDef>("audio:modLeveler"),
         creatorRow<CModMSCoderDef>("audio:modMSCoder"),
+        creatorRow<CModMeterDef>("audio:modMeter"),
         creatorRow<CModMixDef>("audio:modMix"),
         creatorRow<CModMultDef>("audio:modMult"),
         creatorRow<CModMuteDef>("audio:modMute"),
@@ -110,6 +114,7 @@ std::span<const CCreatorRow> audioCreators()
         creatorRow<CModRouterDef>("audio:modRouter"),
         creatorRow<CModSidechainDef>("audio:modSidechain"),
         creatorRow<CModSidechainMuteDef>("audio:modSidechainMute"),
+        creatorRow<CModSpectrumDef>("audio:modSpectrum"),
         creatorRow<CModXOTubeDef>("audio:modXOTube"),
         creatorRow<CAudioParamDef>("audio:param"),
         creatorRow<CAudioParamAllocDef>("audio:param-alloc"),
@@ -121,6 +126,7 @@ std::span<const CCreatorRow> audioCreators()
         creatorRow<CAudioProcessDef>("audio:process-def"),
         creatorRow<CAudioProcessLinkDef>("audio:process-link"),
         creatorRow<CAudioVizCollector>("audio:viz-collector"),
+        creatorRow<CVizExchange>("ui:viz-exchange"),
     };
     return kRows;
 }

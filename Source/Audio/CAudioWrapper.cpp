@@ -8,6 +8,7 @@
 #include "Audio/CSampleBufferPool.h"
 #include "Audio/Presets/CAudioParamRegistry.h"
 #include "Audio/Processes/CModOutput.h"
+#include "Audio/Viz/CAudioVizCollector.h"
 #include "Core/CAppData.h"
 #include "Core/CApplication.h"
 #include "Core/CLog.h"
@@ -100,6 +101,7 @@ CErrorPtr CAudioWrapper::findObjects()
     QRB_TRY(m_root->findObjectChecked("plugin.audio-env", m_env));
     QRB_TRY(m_root->findObjectChecked("plugin.param-collector", m_paramCollector));
     m_paramRegistry = dynamic_cast<CAudioParamRegistry*>(m_root->findObject("plugin.param-registry"));
+    m_vizCollector = dynamic_cast<CAudioVizCollector*>(m_root->findObject("plugin.viz-collector"));
     return nullptr;
 }
 
@@ -115,7 +117,7 @@ void CAudioWrapper::attachHostParams()
 CErrorPtr CAudioWrapper::createNodes()
 {
     CAudioProcessSetup setup;
-    setup.context = {m_paramCollector, m_env, m_pool.get(), &m_graphChanges};
+    setup.context = {m_paramCollector, m_env, m_pool.get(), &m_graphChanges, m_vizCollector};
     CAudioProcessDefBase* definition = nullptr;
     QRB_TRY(m_root->findObjectChecked("shared::audio.modMain", definition));
     setup.definition = definition;
@@ -205,6 +207,8 @@ void CAudioWrapper::stop()
     primeGraph();
     m_mainNode->reset();
     m_outputNode->reset();
+    if (m_vizCollector != nullptr)
+        m_vizCollector->flush();
 }
 
 void CAudioWrapper::setOffline(bool isOffline)

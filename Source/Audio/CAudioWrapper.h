@@ -22,6 +22,7 @@ class CAudioEnv;
 class CAudioParamCollector;
 class CAudioParamRegistry;
 class CAudioProcessBase;
+class CAudioVizCollector;
 class CModOutput;
 class CInputStream;
 class CObject;
@@ -128,6 +129,7 @@ private:
     CAudioEnv* m_env = nullptr;
     CAudioParamCollector* m_paramCollector = nullptr;
     CAudioParamRegistry* m_paramRegistry = nullptr;
+    CAudioVizCollector* m_vizCollector = nullptr; ///< null in a product without visualisation
 
     std::unique_ptr<CSampleBufferPool> m_pool; // outlives all that holds its buffers
     CAudioLineSource m_inputSource;

@@ -4,6 +4,7 @@
 #include "Audio/AudioCreators.h"
 #include "Audio/CAudioEnv.h"
 #include "Audio/CAudioParamCollector.h"
+#include "Audio/Viz/CAudioVizCollector.h"
 #include "Core/CObject.h"
 #include "Core/CQrbMemAllocator.h"
 
@@ -84,10 +85,13 @@ CGraphRig::CGraphRig(const std::string& body, const std::string& attrs, const st
                                              CTestModuleOptions{{audioCreators(), kRows}, nullptr});
     CObject& root = m_module->loadRoot("<root><core:object name='plugin'><audio:audio-env name='audio-env'/>"
                                        "<audio:param-collector name='param-collector' env='^audio-env'/>"
+                                       "<audio:viz-collector name='viz-collector' env='^audio-env' "
+                                       "param-collector='^param-collector'/>"
                                        "</core:object></root>");
     m_collector = &dynamic_cast<CAudioParamCollector&>(CTestModule::find(root, "plugin.param-collector"));
     CAudioProcessSetup setup;
-    setup.context = {m_collector, &m_collector->env(), &m_pool};
+    m_viz = &dynamic_cast<CAudioVizCollector&>(CTestModule::find(root, "plugin.viz-collector"));
+    setup.context = {m_collector, &m_collector->env(), &m_pool, nullptr, m_viz};
     setup.definition = &m_module->shared<CAudioProcessDefBase>("audio.modMain");
     setup.name = "plugin.modMain";
     EXPECT_EQ(errorText(instantiateTopProcess(setup, m_main)), "");
@@ -114,6 +118,7 @@ void CGraphRig::setLines(const std::vector<CLineId>& lines, double sampleRate)
     for (const CLineId& line : lines)
         infos.append({line.channel, line.group, 0, 0, sampleRate});
     m_source.setLines(infos.span());
+    m_sampleRate = sampleRate;
 }
 
 void CGraphRig::set(const std::string& path, double value, int group, int element)
@@ -133,6 +138,7 @@ void CGraphRig::feed(int count)
     m_main->process();
     m_output->runInputStep();
     m_time += count;
+    m_collector->env().setTimeNow(m_time / m_sampleRate);
 }
 
 void CGraphRig::feedOnly(int count)

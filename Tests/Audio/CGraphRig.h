@@ -18,6 +18,7 @@
 namespace qrb {
 
 class CAudioParamCollector;
+class CAudioVizCollector;
 
 /// Module of the tag "test:modProbe": level * input, where the level is its slot 0; with `is-age` it adds the samples
 /// since its last reset; with `again` it asks for a second update after so many seconds; its slot 1 is the latency it reports, its slot 2 a parameter that changes nothing.
@@ -87,6 +88,7 @@ public:
     }
     [[nodiscard]] CAudioParamCollector& collector() { return *m_collector; }
     [[nodiscard]] CSampleBufferPool& pool() { return m_pool; }
+    [[nodiscard]] CAudioVizCollector& viz() { return *m_viz; }
 
     FInput input = [](int, int) { return 1.0; };
     /// What probes did since the last look, as "start reset update"; one letter each and the channel.
@@ -97,11 +99,13 @@ private:
 
     std::unique_ptr<CTestModule> m_module;
     CAudioParamCollector* m_collector = nullptr;
+    CAudioVizCollector* m_viz = nullptr;
     CSampleBufferPool m_pool;
     std::unique_ptr<CAudioProcessBase> m_main;
     std::unique_ptr<CAudioProcessBase> m_output;
     CAudioLineSource m_source;
     int m_time = 0;
+    double m_sampleRate = 44100.0;
 };
 
 /// A parameter declaration; `defaults` in the grammar of "def-values".

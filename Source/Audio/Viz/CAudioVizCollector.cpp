@@ -81,8 +81,6 @@ void CAudioVizCollector::addRef(CAudioVizSource& source)
 {
     {
         const CScopedLock lock(m_lock);
-        if (!source.isActive())
-            source.flush(); // what was on its way when the last listener went
         source.addListener();
     }
     updateEnable(source);
@@ -139,13 +137,16 @@ void CAudioVizCollector::gather()
 
 void CAudioVizCollector::gatherSource(CAudioVizSource& source)
 {
-    CAudioVizList records = source.takeFresh();
-    for (const CAudioVizData* record = records.first(); record != nullptr; record = CAudioVizList::next(*record)) {
-        const CAudioVizBlob blob = encodeVizData(*record);
-        for (auto& entry : m_readers)
-            entry.second->add(kOwnInstance, source.path(), blob, source.limit());
-    }
-    source.giveBack(std::move(records));
+    const std::size_t limit = source.limit();
+    source.visitPools([&](CAudioVizPool& pool) {
+        CAudioVizList records = pool.takeFresh();
+        for (const CAudioVizData* record = records.first(); record != nullptr; record = CAudioVizList::next(*record)) {
+            const CAudioVizBlob blob = encodeVizData(*record);
+            for (auto& entry : m_readers)
+                entry.second->add(kOwnInstance, source.path(), blob, limit);
+        }
+        pool.giveBack(std::move(records));
+    });
 }
 
 void CAudioVizCollector::updateRate()
@@ -167,7 +168,7 @@ CErrorPtr CAudioVizCollector::writeSlotNames(COutputStream& out)
 void CAudioVizCollector::flush()
 {
     for (CAudioParamPathEntry* entry = m_sources.newest(); entry != nullptr; entry = CAudioParamPathTree::older(*entry))
-        static_cast<CAudioVizSource&>(*entry).flush();
+        static_cast<CAudioVizSource&>(*entry).visitPools([](CAudioVizPool& pool) { pool.flush(); });
     const CScopedLock lock(m_lock);
     for (auto& entry : m_readers)
         entry.second->flush();

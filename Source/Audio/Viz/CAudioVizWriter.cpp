@@ -14,15 +14,15 @@ void CAudioVizWriter::open(CAudioVizCollector* collector, const CString& nodeNam
 {
     if (collector == nullptr || m_source != nullptr)
         return;
-    CAudioVizSource& source = collector->source(paramProcessName(nodeName) + suffix);
-    if (source.addLine(type))
-        m_source = &source;
+    m_source = &collector->source(paramProcessName(nodeName) + suffix);
+    m_pool = &m_source->joinPool(type);
 }
 
 void CAudioVizWriter::close()
 {
-    if (m_source != nullptr)
-        std::exchange(m_source, nullptr)->removeLine();
+    m_source = nullptr;
+    if (m_pool != nullptr)
+        std::exchange(m_pool, nullptr)->removeWriter();
 }
 
 bool CAudioVizWriter::isActive() const
@@ -32,19 +32,19 @@ bool CAudioVizWriter::isActive() const
 
 void CAudioVizWriter::setBinCount(std::size_t count)
 {
-    if (m_source != nullptr)
-        m_source->setBinCount(count);
+    if (m_pool != nullptr)
+        m_pool->setBinCount(count);
 }
 
 std::unique_ptr<CAudioVizData> CAudioVizWriter::takeRecord()
 {
-    return m_source == nullptr ? nullptr : m_source->take();
+    return m_pool == nullptr ? nullptr : m_pool->take();
 }
 
 void CAudioVizWriter::post(std::unique_ptr<CAudioVizData> record)
 {
-    if (m_source != nullptr)
-        m_source->post(std::move(record));
+    if (m_pool != nullptr)
+        m_pool->post(std::move(record));
 }
 
 } // namespace qrb

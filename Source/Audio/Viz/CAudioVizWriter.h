@@ -9,6 +9,7 @@
 namespace qrb {
 
 class CAudioVizCollector;
+class CAudioVizPool;
 class CAudioVizSource;
 class CString;
 
@@ -41,6 +42,7 @@ private:
     [[nodiscard]] std::unique_ptr<CAudioVizData> takeRecord();
 
     CAudioVizSource* m_source = nullptr;
+    CAudioVizPool* m_pool = nullptr;
 };
 
 } // namespace qrb

@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/Processes/CModSpectrum.h"
+
+#include "Audio/CAudioEnv.h"
+#include "Audio/CAudioProcessTerminalBase.h"
+#include "Audio/CSampleBufferPool.h"
+#include "Audio/Viz/CAudioVizDataSpectrum.h"
+#include "Core/CNumberText.h"
+#include "Core/CProcessState.h"
+#include "Platform/CRealFFTPool.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <emmintrin.h>
+#include <utility>
+
+namespace qrb {
+
+namespace {
+
+constexpr int kMinLog2Size = 6;
+constexpr int kMaxLog2Size = 16;
+/// Records come a little faster than frames are drawn, so that none is drawn twice.
+constexpr double kRateMargin = 1.3;
+
+/// Magnitudes of the terms [re 0, im 0, re 1, im 1, ...]; those of the ends are real.
+void findMagnitudes(const double* terms, double* magnitudes, std::size_t count)
+{
+    std::size_t i = 0;
+    for (; i + 2 <= count; i += 2) {
+        const __m128d first = _mm_loadu_pd(terms + 2 * i);
+        const __m128d second = _mm_loadu_pd(terms + 2 * i + 2);
+        const __m128d a = _mm_mul_pd(first, first);
+        const __m128d b = _mm_mul_pd(second, second);
+        _mm_storeu_pd(magnitudes + i, _mm_sqrt_pd(_mm_add_pd(_mm_unpacklo_pd(a, b), _mm_unpackhi_pd(a, b))));
+    }
+    for (; i < count; ++i)
+        magnitudes[i] = std::sqrt(terms[2 * i] * terms[2 * i] + terms[2 * i + 1] * terms[2 * i + 1]);
+}
+
+} // namespace
+
+void CModSpectrumModule::regParams()
+{
+    m_blockSize = regParam(0, 5.0);
+    m_overlap = regParam(1, 0.5);
+    m_averageTime = regParam(2, 0.3);
+    m_type = regParam(3, 0.0);
+    m_resetSlot = regParam(4, 0.0);
+    m_secondType = regParam(5, 0.0);
+    m_secondEnable = regParam(6, 0.0);
+}
+
+void CModSpectrumModule::start()
+{
+    CAudioVizCollector* const collector = node().context().viz;
+    m_main.writer.open(collector, node().fullName(), "", EAudioVizType::spectrum);
+    m_second.writer.open(collector, node().fullName(), "-sec", EAudioVizType::spectrum);
+}
+
+void CModSpectrumModule::reset()
+{
+    if (!m_ring.empty())
+        clearSpectra();
+}
+
+void CModSpectrumModule::update()
+{
+    const CAudioParamSlot* const clearing[] = {&m_blockSize, &m_type, &m_secondType, &m_secondEnable, &m_resetSlot};
+    if (isFirstUpdate() || std::ranges::any_of(clearing, [this](const auto* slot) { return isTouched(*slot); }))
+        setFrameSize();
+    const auto size = static_cast<double>(m_ring.size());
+    const double hop = std::clamp(size * (1.0 - value(m_overlap)), 1.0, size);
+    m_hop = static_cast<std::size_t>(roundToInt(hop));
+    m_untilFrame = std::min(m_untilFrame, m_hop);
+    m_average = value(m_averageTime);
+    const double frames = sampleRate() / static_cast<double>(m_hop) * m_average;
+    m_rates.value = 1.0 - std::pow(0.1, 1.0 / frames);
+    m_rates.variance = 1.0 - std::pow(0.1, 1.0 / (0.5 * frames));
+}
+
+void CModSpectrumModule::setFrameSize()
+{
+    const int log2Size = kMinLog2Size + std::clamp(valueInt(m_blockSize), 0, kMaxLog2Size - kMinLog2Size);
+    const std::size_t size = std::size_t{1} << log2Size;
+    m_plan = &processState().fftPlans->plan(static_cast<unsigned>(log2Size));
+    m_window.setSize(size);
+    m_ring.resize(size);
+    m_hasSecond = isOn(m_secondEnable);
+    m_untilFrame = size;
+    for (CSpectrum* spectrum : {&m_main, &m_second})
+        spectrum->writer.setBinCount(size / 2 + 1);
+    clearSpectra();
+}
+
+void CModSpectrumModule::clearSpectra()
+{
+    const std::size_t binCount = m_ring.size() / 2 + 1;
+    std::fill(m_ring.begin(), m_ring.end(), 0.0);
+    m_position = 0;
+    m_untilFrame = m_hop;
+    m_main.bins.start(CSpectrumAccumulator::kindOf(valueInt(m_type)), binCount);
+    m_second.bins.start(CSpectrumAccumulator::kindOf(valueInt(m_secondType)), m_hasSecond ? binCount : 0);
+    m_hasPosted = false;
+    m_resetTime = streamTime();
+}
+
+double CModSpectrumModule::streamTime() const
+{
+    const CAudioEnv* const env = node().context().env;
+    return env == nullptr ? 0.0 : env->timeNow();
+}
+
+void CModSpectrumModule::process()
+{
+    for (int i = 0; i < outputCount(); ++i)
+        passInput(0, i, i);
+    if (const bool wasRunning = std::exchange(m_isRunning, isActive()); !m_isRunning)
+        return;
+    else if (!wasRunning)
+        clearSpectra();
+    const double* const samples = input(0);
+    if (samples == nullptr)
+        return;
+    const double beginTime = streamTime();
+    const auto length = static_cast<std::size_t>(blockLength());
+    for (std::size_t done = 0; done < length;) {
+        const std::size_t count = std::min(m_untilFrame, length - done);
+        collect(samples + done, count);
+        done += count;
+        m_untilFrame -= count;
+        if (m_untilFrame == 0) {
+            m_untilFrame = m_hop;
+            runFrame(beginTime + static_cast<double>(done) / sampleRate());
+        }
+    }
+}
+
+void CModSpectrumModule::collect(const double* samples, std::size_t count)
+{
+    while (count > 0) {
+        const std::size_t part = std::min(count, m_ring.size() - m_position);
+        std::memcpy(m_ring.data() + m_position, samples, part * sizeof(double));
+        m_position = (m_position + part) & (m_ring.size() - 1);
+        samples += part;
+        count -= part;
+    }
+}
+
+void CModSpectrumModule::runFrame(double time)
+{
+    const std::size_t size = m_ring.size();
+    const std::size_t binCount = size / 2 + 1;
+    CSampleBuffer frame = pool().get(static_cast<int>(size));
+    CSampleBuffer terms = pool().get(static_cast<int>(size + 2));
+    const std::size_t older = size - m_position;
+    std::memcpy(frame.data(), m_ring.data() + m_position, older * sizeof(double));
+    std::memcpy(frame.data() + older, m_ring.data(), m_position * sizeof(double));
+    m_window.apply(frame.data());
+    m_plan->forward(frame.data(), terms.data());
+    if (!std::isfinite(terms.data()[0]))
+        return; // what is no number would stay in the bins for ever
+    findMagnitudes(terms.data(), frame.data(), binCount);
+    m_main.bins.add({frame.data(), binCount}, m_rates);
+    if (m_hasSecond)
+        m_second.bins.add({frame.data(), binCount}, m_rates);
+    if (m_hasPosted && time - m_postTime < 1.0 / viewRate() / kRateMargin)
+        return;
+    post(m_main, time);
+    if (m_hasSecond)
+        post(m_second, time);
+    m_hasPosted = true;
+    m_postTime = time;
+}
+
+double CModSpectrumModule::viewRate() const
+{
+    const CAudioEnv* const env = node().context().env;
+    return env == nullptr ? 30.0 : env->vizUpdateRateAudio;
+}
+
+void CModSpectrumModule::post(CSpectrum& spectrum, double time)
+{
+    if (!spectrum.writer.isActive() || !spectrum.bins.hasResult())
+        return;
+    std::unique_ptr<CAudioVizDataSpectrum> record = spectrum.writer.take<CAudioVizDataSpectrum>();
+    if (record == nullptr)
+        return;
+    const ESpectrumKind kind = spectrum.bins.kind();
+    const bool isSinceReset = kind == ESpectrumKind::max || kind == ESpectrumKind::average;
+    record->channel = channel();
+    record->group = group();
+    record->index = element();
+    record->time = time - 0.5 * static_cast<double>(m_ring.size()) / sampleRate();
+    record->sampleRate = sampleRate();
+    record->blockSize = static_cast<std::int32_t>(m_ring.size());
+    record->spectrumKind = static_cast<std::int32_t>(kind);
+    record->average = isSinceReset ? time - m_resetTime : m_average;
+    record->bins.resize(m_ring.size() / 2 + 1);
+    spectrum.bins.copyTo(record->bins.span());
+    spectrum.writer.post(std::move(record));
+}
+
+} // namespace qrb
