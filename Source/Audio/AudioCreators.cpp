@@ -60,6 +60,7 @@
 #include "Audio/Processes/CModSpectrum.h"
 #include "Audio/Processes/CModXOTube.h"
 #include "Audio/Viz/CAudioVizCollector.h"
+#include "Audio/Viz/CAudioVizSlotManager.h"
 #include "Audio/Viz/CVizExchange.h"
 
 namespace qrb {
@@ -126,6 +127,7 @@ std::span<const CCreatorRow> audioCreators()
         creatorRow<CAudioProcessDef>("audio:process-def"),
         creatorRow<CAudioProcessLinkDef>("audio:process-link"),
         creatorRow<CAudioVizCollector>("audio:viz-collector"),
+        creatorRow<CAudioVizSlotManager>("audio:viz-slot-manager"),
         creatorRow<CVizExchange>("ui:viz-exchange"),
     };
     return kRows;

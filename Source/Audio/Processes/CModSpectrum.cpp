@@ -4,6 +4,7 @@
 #include "Audio/CAudioEnv.h"
 #include "Audio/CAudioProcessTerminalBase.h"
 #include "Audio/CSampleBufferPool.h"
+#include "Audio/Processes/SpectrumFrame.h"
 #include "Audio/Viz/CAudioVizDataSpectrum.h"
 #include "Core/CNumberText.h"
 #include "Core/CProcessState.h"
@@ -12,7 +13,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <emmintrin.h>
 #include <utility>
 
 namespace qrb {
@@ -23,21 +23,6 @@ constexpr int kMinLog2Size = 6;
 constexpr int kMaxLog2Size = 16;
 /// Records come a little faster than frames are drawn, so that none is drawn twice.
 constexpr double kRateMargin = 1.3;
-
-/// Magnitudes of the terms [re 0, im 0, re 1, im 1, ...]; those of the ends are real.
-void findMagnitudes(const double* terms, double* magnitudes, std::size_t count)
-{
-    std::size_t i = 0;
-    for (; i + 2 <= count; i += 2) {
-        const __m128d first = _mm_loadu_pd(terms + 2 * i);
-        const __m128d second = _mm_loadu_pd(terms + 2 * i + 2);
-        const __m128d a = _mm_mul_pd(first, first);
-        const __m128d b = _mm_mul_pd(second, second);
-        _mm_storeu_pd(magnitudes + i, _mm_sqrt_pd(_mm_add_pd(_mm_unpacklo_pd(a, b), _mm_unpackhi_pd(a, b))));
-    }
-    for (; i < count; ++i)
-        magnitudes[i] = std::sqrt(terms[2 * i] * terms[2 * i] + terms[2 * i + 1] * terms[2 * i + 1]);
-}
 
 } // namespace
 
@@ -157,14 +142,11 @@ void CModSpectrumModule::runFrame(double time)
     const std::size_t older = size - m_position;
     std::memcpy(frame.data(), m_ring.data() + m_position, older * sizeof(double));
     std::memcpy(frame.data() + older, m_ring.data(), m_position * sizeof(double));
-    m_window.apply(frame.data());
-    m_plan->forward(frame.data(), terms.data());
-    if (!std::isfinite(terms.data()[0]))
-        return; // what is no number would stay in the bins for ever
-    findMagnitudes(terms.data(), frame.data(), binCount);
-    m_main.bins.add({frame.data(), binCount}, m_rates);
+    if (!findMagnitudes(m_window, *m_plan, frame.data(), terms.data()))
+        return; // or it would stay in the bins for ever
+    m_main.bins.add({terms.data(), binCount}, m_rates);
     if (m_hasSecond)
-        m_second.bins.add({frame.data(), binCount}, m_rates);
+        m_second.bins.add({terms.data(), binCount}, m_rates);
     if (m_hasPosted && time - m_postTime < 1.0 / viewRate() / kRateMargin)
         return;
     post(m_main, time);

@@ -2,6 +2,7 @@
 #include "Audio/Processes/CSpectrumWindow.h"
 
 #include <cmath>
+#include <emmintrin.h>
 #include <numbers>
 
 namespace qrb {
@@ -32,23 +33,32 @@ void CSpectrumWindow::setSize(std::size_t size)
 void CSpectrumWindow::apply(double* frame) const
 {
     // The window is the same from both ends, so its first half serves both.
+    constexpr std::size_t kPairs = kLanes / 2;
     const std::size_t half = m_size / 2;
-    std::array<double, kLanes> y = m_first;
-    std::array<double, kLanes> step = m_firstStep;
+    const __m128d middle = _mm_set1_pd(0.5 * m_scale);
+    const __m128d curve = _mm_set1_pd(m_curve);
+    __m128d y[kPairs];
+    __m128d step[kPairs];
+    for (std::size_t i = 0; i < kPairs; ++i) {
+        y[i] = _mm_loadu_pd(m_first.data() + 2 * i);
+        step[i] = _mm_loadu_pd(m_firstStep.data() + 2 * i);
+    }
     frame[half] *= m_scale;
     for (std::size_t n = 0; n < half; n += kLanes) {
-        double* const rising = frame + n;
-        double* const falling = frame + (m_size - n);
-        std::array<double, kLanes> window;
-        for (std::size_t lane = 0; lane < kLanes; ++lane) {
-            window[lane] = 0.5 * m_scale + y[lane];
-            y[lane] += step[lane];
-            step[lane] -= m_curve * y[lane];
+        for (std::size_t i = 0; i < kPairs; ++i) {
+            const __m128d window = _mm_add_pd(middle, y[i]);
+            double* const rising = frame + n + 2 * i;
+            _mm_storeu_pd(rising, _mm_mul_pd(_mm_loadu_pd(rising), window));
+            if (n + i > 0) {
+                double* const falling = frame + (m_size - n - 2 * i - 1);
+                const __m128d turned = _mm_shuffle_pd(window, window, 1);
+                _mm_storeu_pd(falling, _mm_mul_pd(_mm_loadu_pd(falling), turned));
+            } else { // value 0 has no twin
+                frame[m_size - 1] *= _mm_cvtsd_f64(_mm_unpackhi_pd(window, window));
+            }
+            y[i] = _mm_add_pd(y[i], step[i]);
+            step[i] = _mm_sub_pd(step[i], _mm_mul_pd(curve, y[i]));
         }
-        for (std::size_t lane = 0; lane < kLanes; ++lane)
-            rising[lane] *= window[lane];
-        for (std::size_t lane = n == 0 ? 1 : 0; lane < kLanes; ++lane)
-            *(falling - lane) *= window[lane];
     }
 }
 

@@ -4,10 +4,14 @@
 #include "Audio/CAudioEnv.h"
 #include "Audio/CAudioParamCollector.h"
 #include "Audio/CAudioParamDef.h"
+#include "Audio/Viz/CAudioVizExport.h"
+#include "Audio/Viz/CAudioVizSlotManager.h"
 #include "Audio/Viz/CAudioVizSource.h"
 #include "Core/COutputStream.h"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 namespace qrb {
 
@@ -27,7 +31,31 @@ CErrorPtr CAudioVizCollector::initChilds()
     QRB_TRY(findObjectByAttr("env", m_env));
     QRB_TRY(findObjectByAttr("param-collector", m_params));
     m_enableDef = dynamic_cast<const CAudioParamDef*>(findObject("shared::audio.param-enable-viz"));
+    joinSlots();
     return {};
+}
+
+void CAudioVizCollector::joinSlots()
+{
+    m_slots = dynamic_cast<CAudioVizSlotManager*>(findObject("shared::audio.viz-slot-manager"));
+    if (m_slots == nullptr)
+        return;
+    const CString slots = getAttrString("export-slot-param");
+    if (!slots.empty()) {
+        const CAudioVizExport::CPaths paths{slots, getAttrString("export-color-param"),
+                                            getAttrString("instance-name-param", "plugin.modMain.instance-name"),
+                                            getAttrString("group-names-param", "plugin.modMain.io-params.group-names")};
+        m_export = std::make_unique<CAudioVizExport>(*m_params, paths, *m_slots);
+    }
+    m_slots->join(*this, m_export.get());
+}
+
+void CAudioVizCollector::unlink()
+{
+    if (m_slots != nullptr)
+        std::exchange(m_slots, nullptr)->leave(*this);
+    m_export.reset();
+    CObject::unlink();
 }
 
 CAudioVizSource& CAudioVizCollector::source(const CString& name)
@@ -56,6 +84,8 @@ void CAudioVizCollector::listen(std::int32_t kind, const CString& name, std::uin
     }
     if (kind == kOwnInstance)
         addRef(source(name));
+    else if (m_slots != nullptr)
+        m_slots->addListener(*this, kind, name);
 }
 
 void CAudioVizCollector::unlisten(std::uint32_t listenerId)
@@ -75,6 +105,8 @@ void CAudioVizCollector::unlisten(std::uint32_t listenerId)
     }
     if (gone.kind == kOwnInstance)
         removeRef(source(gone.name));
+    else if (m_slots != nullptr)
+        m_slots->removeListener(*this, gone.kind, gone.name);
 }
 
 void CAudioVizCollector::addRef(CAudioVizSource& source)
@@ -112,7 +144,8 @@ void CAudioVizCollector::updateEnable(CAudioVizSource& source)
 
 CErrorPtr CAudioVizCollector::writeData(std::uint32_t clientId, double now, COutputStream& out)
 {
-    const CScopedLock lock(m_lock);
+    if (m_slots != nullptr)
+        m_slots->gather();
     double time = 0.0;
     {
         const CScopedLock envLock(m_env->lock());
@@ -120,6 +153,7 @@ CErrorPtr CAudioVizCollector::writeData(std::uint32_t clientId, double now, COut
     }
     QRB_TRY(out.writeDouble(time));
     gather();
+    const CScopedLock lock(m_lock);
     const auto reader = m_readers.find(clientId);
     if (reader == m_readers.end())
         return out.writeInt32(0);
@@ -130,6 +164,11 @@ CErrorPtr CAudioVizCollector::writeData(std::uint32_t clientId, double now, COut
 
 void CAudioVizCollector::gather()
 {
+    // The slots' lock comes first: it is needed for what other instances get of this.
+    std::optional<CScopedLock> slotsLock;
+    if (m_export != nullptr)
+        slotsLock.emplace(m_slots->lock());
+    const CScopedLock lock(m_lock);
     for (CAudioParamPathEntry* entry = m_sources.newest(); entry != nullptr; entry = CAudioParamPathTree::older(*entry))
         if (auto& source = static_cast<CAudioVizSource&>(*entry); source.isActive())
             gatherSource(source);
@@ -140,7 +179,9 @@ void CAudioVizCollector::gatherSource(CAudioVizSource& source)
     const std::size_t limit = source.limit();
     source.visitPools([&](CAudioVizPool& pool) {
         CAudioVizList records = pool.takeFresh();
-        for (const CAudioVizData* record = records.first(); record != nullptr; record = CAudioVizList::next(*record)) {
+        for (CAudioVizData* record = records.first(); record != nullptr; record = CAudioVizList::next(*record)) {
+            if (m_export != nullptr)
+                m_slots->deliver(*this, source.path(), *record);
             const CAudioVizBlob blob = encodeVizData(*record);
             for (auto& entry : m_readers)
                 entry.second->add(kOwnInstance, source.path(), blob, limit);
@@ -162,7 +203,20 @@ void CAudioVizCollector::updateRate()
 
 CErrorPtr CAudioVizCollector::writeSlotNames(COutputStream& out)
 {
-    return out.writeInt32(0);
+    return m_slots == nullptr ? out.writeInt32(0) : m_slots->writeNames(out);
+}
+
+void CAudioVizCollector::receive(std::int32_t slot, const CString& name, const CAudioVizBlob& record)
+{
+    const CScopedLock lock(m_lock);
+    for (auto& entry : m_readers)
+        entry.second->add(slot, name, record, CAudioVizSource::kMaxRecords);
+}
+
+void CAudioVizCollector::tellSlotNames()
+{
+    const CUpdateInfo info{this, kExportSlotNames};
+    notify(&info);
 }
 
 void CAudioVizCollector::flush()

@@ -16,6 +16,9 @@ namespace qrb {
 class CAudioEnv;
 class CAudioParamCollector;
 class CAudioParamDef;
+class CAudioVizData;
+class CAudioVizExport;
+class CAudioVizSlotManager;
 class CAudioVizSource;
 class COutputStream;
 
@@ -36,6 +39,7 @@ public:
 
     static void declare(CObjectClassInfo& info);
     CErrorPtr initChilds() override;
+    void unlink() override;
 
     /// The source of a name; made if there is none. Waits for nobody. Thread: any.
     [[nodiscard]] CAudioVizSource& source(const CString& name);
@@ -57,6 +61,8 @@ public:
     [[nodiscard]] CAudioEnv& env() const { return *m_env; }
 
 private:
+    friend class CAudioVizSlotManager;
+
     struct CListener {
         std::int32_t kind = kOwnInstance;
         CString name;
@@ -66,7 +72,11 @@ private:
     void addRef(CAudioVizSource& source);
     void removeRef(CAudioVizSource& source);
     void updateEnable(CAudioVizSource& source);
+    void joinSlots();
     void gather();
+    /// A record that came through a slot, for all clients that listen there.
+    void receive(std::int32_t slot, const CString& name, const CAudioVizBlob& record);
+    void tellSlotNames();
     void gatherSource(CAudioVizSource& source);
     void updateRate();
 
@@ -81,6 +91,9 @@ private:
     CMap<std::uint32_t, CListener> m_listeners;
     CMap<std::uint32_t, std::unique_ptr<CAudioVizReader>> m_readers; ///< by client
     std::size_t m_namedCount = 0;                                    ///< sources that exist because a client named them
+
+    CAudioVizSlotManager* m_slots = nullptr;   ///< of the process; null in products without exports
+    std::unique_ptr<CAudioVizExport> m_export; ///< null unless this instance may export
 };
 
 } // namespace qrb

@@ -19,8 +19,8 @@ public:
 
     [[nodiscard]] std::size_t size() const { return m_count; }
     [[nodiscard]] bool empty() const { return m_count == 0; }
-    [[nodiscard]] const CAudioVizData* first() const { return m_first; }
-    [[nodiscard]] static const CAudioVizData* next(const CAudioVizData& record) { return record.m_next; }
+    [[nodiscard]] CAudioVizData* first() { return m_first; }
+    [[nodiscard]] static CAudioVizData* next(const CAudioVizData& record) { return record.m_next; }
 
     void pushBack(std::unique_ptr<CAudioVizData> record);
     /// Null from an empty list.

@@ -41,16 +41,6 @@ void CAudioVizReader::removeListener(std::int32_t kind, const CString& name)
         m_queues.erase(found);
 }
 
-bool CAudioVizReader::isListening(std::int32_t kind, const CString& name) const
-{
-    return m_queues.find({kind, name}) != m_queues.end();
-}
-
-bool CAudioVizReader::hasSlots() const
-{
-    return !m_queues.empty() && m_queues.rbegin()->first.first >= 0;
-}
-
 void CAudioVizReader::add(std::int32_t kind, const CString& name, const CAudioVizBlob& record, std::size_t limit)
 {
     const auto found = m_queues.find({kind, name});

@@ -30,9 +30,7 @@ public:
     /// One more request for a source, or for a source as an export slot brings it (`kind` 0 or more).
     void addListener(std::int32_t kind, const CString& name) { ++m_queues[{kind, name}].listenerCount; }
     void removeListener(std::int32_t kind, const CString& name);
-    [[nodiscard]] bool isListening(std::int32_t kind, const CString& name) const;
     [[nodiscard]] bool empty() const { return m_queues.empty(); }
-    [[nodiscard]] bool hasSlots() const;
 
     /// Puts a record into the queue of a source that this client listens to; at `limit` the oldest goes.
     void add(std::int32_t kind, const CString& name, const CAudioVizBlob& record, std::size_t limit);

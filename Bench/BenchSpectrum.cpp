@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/Processes/CSpectrumAccumulator.h"
+#include "Audio/Processes/CSpectrumWindow.h"
+#include "Audio/Processes/MeterKernels.h"
+#include "Audio/Processes/SpectrumFrame.h"
+#include "Platform/CRealFFTPlan.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+// A spectrum's frame beside the bare transform of its size, and what a sample costs a meter.
+namespace {
+
+std::vector<double> noise(std::size_t count)
+{
+    std::vector<double> samples(count);
+    for (std::size_t n = 0; n < count; ++n)
+        samples[n] = std::sin(0.1 * static_cast<double>(n * n % 8191));
+    return samples;
+}
+
+void bareTransform(benchmark::State& state)
+{
+    const qrb::platform::CRealFFTPlan plan(static_cast<unsigned>(state.range(0)));
+    const std::vector<double> frame = noise(plan.size());
+    std::vector<double> terms(plan.size() + 2);
+    for (auto _ : state) {
+        plan.forward(frame.data(), terms.data());
+        benchmark::ClobberMemory();
+    }
+}
+
+void spectrumFrame(benchmark::State& state)
+{
+    const qrb::platform::CRealFFTPlan plan(static_cast<unsigned>(state.range(0)));
+    const std::vector<double> samples = noise(plan.size());
+    std::vector<double> frame(plan.size());
+    std::vector<double> terms(plan.size() + 2);
+    const std::size_t binCount = plan.size() / 2 + 1;
+    qrb::CSpectrumWindow window;
+    window.setSize(plan.size());
+    qrb::CSpectrumAccumulator bins;
+    bins.start(qrb::CSpectrumAccumulator::kindOf(static_cast<int>(state.range(1))), binCount);
+    for (auto _ : state) {
+        std::memcpy(frame.data(), samples.data(), frame.size() * sizeof(double));
+        benchmark::DoNotOptimize(findMagnitudes(window, plan, frame.data(), terms.data()));
+        bins.add({terms.data(), binCount}, {0.1, 0.2});
+        benchmark::ClobberMemory();
+    }
+}
+
+void meter(benchmark::State& state, qrb::FMeterKernel kernel)
+{
+    constexpr std::size_t kBlock = 512;
+    const std::vector<double> samples = noise(kBlock);
+    qrb::CMeterLevels levels;
+    levels.setAll(1.0);
+    for (auto _ : state) {
+        kernel({0.01, 0.001, 0.0001}, levels, samples.data(), samples.data(), static_cast<int>(kBlock));
+        benchmark::DoNotOptimize(levels);
+    }
+    state.counters["ns/sample"] = benchmark::Counter(static_cast<double>(state.iterations() * kBlock) * 1e-9,
+                                                     benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+BENCHMARK(bareTransform)->Arg(8)->Arg(11)->Arg(13)->Arg(16);
+BENCHMARK(spectrumFrame)->ArgsProduct({{8, 11, 13, 16}, {0, 3, 4}});
+BENCHMARK_CAPTURE(meter, level, qrb::measureLevel);
+BENCHMARK_CAPTURE(meter, gainWithBias, qrb::measureGainWithBias);
+BENCHMARK_CAPTURE(meter, ratio, qrb::measureRatio);
+
+} // namespace
+
+BENCHMARK_MAIN();
