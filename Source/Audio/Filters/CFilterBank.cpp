@@ -41,9 +41,8 @@ std::size_t CFilterBank::CStage::halfBandSize() const
 
 void CFilterBank::CStage::runAlone(const double* const* in, double* const* out, std::size_t length) const
 {
-    const bool isBiquad = kind->id >= EFilterKind::biquad && kind->id <= EFilterKind::biquadNotch;
     std::size_t line = 0;
-    for (; isBiquad && line + 2 <= states.size(); line += 2)
+    for (; isBiquad(kind->id) && line + 2 <= states.size(); line += 2)
         runBiquadPair(kind->id, states.data() + line, in + line, out + line, length);
     for (; line < states.size(); ++line)
         kind->run.function(states[line], in[line], out[line], length);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/Filters/BiquadSeriesKernels.h"
 #include "Audio/Filters/FilterKernels.h"
 #include "Audio/Filters/FilterLanes.h"
 
@@ -8,9 +9,10 @@ namespace qrb {
 
 namespace {
 
-/// Most stages in one loop: more would only move their states between registers and memory.
-constexpr std::size_t kMaxStages = 6;
+/// Most stages in one loop.
+constexpr std::size_t kMaxStages = CBiquadSeriesKernels::kMaxSections;
 constexpr std::size_t kMaxLines = 2;
+constexpr std::size_t kMaxSeriesLines = 4;
 
 using CLanesRun = void(void* const*, const double* const*, double* const*, std::size_t);
 
@@ -49,6 +51,25 @@ CLanesRun* lanesRun(EFilterKind kind, std::size_t stageCount)
     }
 }
 
+/// Runs the stages over four lines, or two, where there is a loop for that; the number of lines done.
+std::size_t runWide(EFilterKind kind, void* const* states, std::size_t stages, std::size_t lineCount, std::size_t line,
+                    const double* const* in, double* const* out, std::size_t length)
+{
+    if (!isBiquad(kind))
+        return 0;
+    for (std::size_t lines = kMaxSeriesLines; lines >= 2; lines /= 2) {
+        if (lineCount - line < lines)
+            continue;
+        CBiquadState* picked[kMaxStages * kMaxSeriesLines];
+        for (std::size_t k = 0; k < stages; ++k)
+            for (std::size_t i = 0; i < lines; ++i)
+                picked[k * lines + i] = static_cast<CBiquadState*>(states[k * lineCount + line + i]);
+        if (runBiquadSeries(biquadSeriesKernels(), kind, picked, stages, lines, in + line, out + line, length))
+            return lines;
+    }
+    return 0;
+}
+
 } // namespace
 
 void runFilterSeries(const CDCDAWFilterKind& kind, void* const* states, std::size_t stageCount, std::size_t lineCount,
@@ -58,6 +79,12 @@ void runFilterSeries(const CDCDAWFilterKind& kind, void* const* states, std::siz
     for (std::size_t stage = 0; stage < stageCount;) {
         const std::size_t stages = std::min(stageCount - stage, kMaxStages);
         for (std::size_t line = 0; line < lineCount;) {
+            const std::size_t done =
+                runWide(kind.id, states + stage * lineCount, stages, lineCount, line, source, out, length);
+            if (done > 0) {
+                line += done;
+                continue;
+            }
             const std::size_t lines = lineCount - line >= kMaxLines ? kMaxLines : 1;
             void* picked[kMaxStages * kMaxLines];
             for (std::size_t k = 0; k < stages; ++k)

@@ -52,10 +52,15 @@ struct CFirstOrderState {
 };
 static_assert(sizeof(CFirstOrderState) <= 104);
 
+[[nodiscard]] constexpr bool isBiquad(EFilterKind id)
+{
+    return id >= EFilterKind::biquad && id <= EFilterKind::biquadNotch;
+}
+
 /// Whether a fade runs in a stage's memory, which then has to run by itself.
 [[nodiscard]] inline bool isFilterFading(EFilterKind id, const void* state)
 {
-    if (id >= EFilterKind::biquad && id <= EFilterKind::biquadNotch)
+    if (isBiquad(id))
         return static_cast<const CBiquadState*>(state)->fade.left > 0;
     if (id == EFilterKind::lowPass1 || id == EFilterKind::highPass1 || id == EFilterKind::highPass1Gain)
         return static_cast<const CFirstOrderState*>(state)->fade.left > 0;

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/Filters/BiquadSeriesKernels.h"
+#include "Audio/Filters/FilterKernels.h"
 #include "Audio/Filters/HalfBandKernels.h"
 #include "Audio/Filters/HalfBandState.h"
 #include "Tests/Audio/Filters/FilterWorld.h"
@@ -308,6 +310,46 @@ TEST_F(FilterStages, SideBySideAndInSeriesGiveTheBitsOfStagesAlone)
                     EXPECT_EQ(signals[line], alone) << name << " " << stages << " " << lines;
                 }
             }
+        }
+    }
+}
+
+TEST_F(FilterStages, BiquadsThatRunSkewedGiveTheBitsOfStagesAlone)
+{
+    for (const CBiquadSeriesKernels* kernels :
+         {&pairBiquadSeriesKernels(), hasQuadBiquadSeriesKernels() ? &quadBiquadSeriesKernels() : nullptr}) {
+        for (std::size_t trial = 0; kernels != nullptr && trial < 60; ++trial) {
+            const char* name = std::array{"rbj0", "rbj1", "rbj2", "rbj4", "rbj6"}[trial % 5];
+            const std::size_t stages = 1 + trial / 5 % 6;
+            const std::size_t lines = trial < 30 ? 2 : 4;
+            CSignal samples[4];
+            CSignal alone[4];
+            std::vector<CBiquadState> memory(stages * lines);
+            std::vector<CBiquadState*> states;
+            for (std::size_t i = 0; i < lines; ++i)
+                alone[i] = samples[i] = noise(kLength, static_cast<unsigned>(i));
+            EFilterKind id{};
+            for (std::size_t place = 0; place < memory.size(); ++place) {
+                const std::size_t line = place % lines;
+                const CCoefficients own = coefficients(name, 200.0 + 300.0 * static_cast<double>(place), 2.0, id);
+                initBiquad(&memory[place], own.data(), kRate);
+                states.push_back(&memory[place]);
+                alone[line] = runStage(id, alone[line], own, {}, kLength);
+            }
+            std::size_t done = 0;
+            for (std::size_t cut = 4 * stages; done < kLength; cut += 7) {
+                const std::size_t length = kLength - done < 2 * cut ? kLength - done : cut;
+                const double* in[4];
+                double* out[4];
+                for (std::size_t i = 0; i < lines; ++i)
+                    in[i] = out[i] = samples[i].data() + done;
+                if (!runBiquadSeries(*kernels, id, states.data(), stages, lines, in, out, length))
+                    break;
+                done += length;
+            }
+            EXPECT_TRUE(done == kLength || stages == 1 || lines == 4) << name << " " << stages << " " << lines;
+            for (std::size_t i = 0; i < lines && done == kLength; ++i)
+                EXPECT_EQ(samples[i], alone[i]) << name << " " << stages << " " << lines;
         }
     }
 }
