@@ -104,6 +104,12 @@ protected:
     [[nodiscard]] bool isTouched(const CAudioParamSlot& slot) const;
     /// In update(): nothing of this module has sounded yet with the present lines.
     [[nodiscard]] bool isFirstUpdate() const { return m_isFirstUpdate; }
+    /// What to seed a generator with: another number for each start, of each line, that does not depend on how blocks
+    /// are cut.
+    [[nodiscard]] std::uint32_t seed(int index = 0) const
+    {
+        return m_seed + static_cast<std::uint32_t>(index) * 0x85EBCA6Bu;
+    }
     void setLatency(int samples) { m_latency = std::clamp(samples, 0, kMaxLatency); }
     /// Has update() run again after `seconds` of audio, at the start of a block, whether or not a parameter is touched.
     void updateAfter(double seconds);
@@ -129,6 +135,7 @@ private:
     int m_channel = -1;
     int m_latency = 0;
     int m_blockLength = 0;
+    std::uint32_t m_seed = 0;
     double m_sampleRate = 1.0;
     CArray<CPortLines, 2> m_ports;
     CArray<CLineId, 4> m_lineIds;

@@ -3,6 +3,7 @@
 
 #include "Audio/CAudioProcessTerminalBase.h"
 #include "Audio/CSampleBufferPool.h"
+#include "Audio/Processes/CDenormNoise.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -11,7 +12,7 @@
 namespace qrb {
 
 CAudioModuleInstance::CAudioModuleInstance(CAudioProcessTerminalBase& node, CAudioModulePool& modules)
-    : m_node(node), m_modules(modules), m_active(modules.take(node))
+    : m_node(node), m_modules(modules), m_active(modules.take(node)), m_nextSeed(CDenormNoise::takeSeed())
 {
     m_active->m_lineIds.clear();
 }
@@ -53,7 +54,7 @@ void CAudioModuleInstance::configure(int channel)
     m_channel = channel;
     const bool isChanged = giveLines(*m_active);
     m_group = m_active->m_group;
-    m_active->start();
+    startModule(*m_active);
     if (isChanged) {
         m_active->reset();
         m_active->m_isFirstUpdate = true;
@@ -97,6 +98,13 @@ void CAudioModuleInstance::applyUpdate(bool isSmooth, int fadeLength)
     }
 }
 
+void CAudioModuleInstance::startModule(CAudioModule& module)
+{
+    module.m_seed = m_nextSeed;
+    m_nextSeed += 0x9E3779B9u; // far from those of other instances, which begin with the numbers beside this one
+    module.start();
+}
+
 void CAudioModuleInstance::updateNow(CAudioModule& module)
 {
     module.update();
@@ -112,7 +120,7 @@ void CAudioModuleInstance::startFade(int fadeLength)
     m_isFadePending = false;
     (void)giveLines(*m_active);
     m_active->m_latency = 0;
-    m_active->start();
+    startModule(*m_active);
     m_active->reset();
     m_active->m_isFirstUpdate = true;
     touchAll();
@@ -233,7 +241,9 @@ CSampleBuffer CAudioModuleInstance::mix(std::size_t output, int length, int hold
     std::copy_n(from, hold, out);
     for (int i = hold; i < hold + fade; ++i) {
         const double s = oscillator.next();
-        out[i] = (0.5 + s) * from[i] + (0.5 - s) * to[i];
+        // The weights' rounding must not show where both are one signal: whether they come in one buffer depends on
+        // the cuts of the block.
+        out[i] = from[i] == to[i] ? to[i] : (0.5 + s) * from[i] + (0.5 - s) * to[i];
     }
     if (out != to) {
         std::copy(to + hold + fade, to + length, out + hold + fade);

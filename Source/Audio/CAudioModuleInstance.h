@@ -62,6 +62,7 @@ public:
 private:
     /// Gives a module the lines of m_channel; true if they, or the sample rate, are others than it had.
     [[nodiscard]] bool giveLines(CAudioModule& module) const;
+    void startModule(CAudioModule& module);
     void updateNow(CAudioModule& module);
     void startFade(int fadeLength);
     void endFade();
@@ -83,6 +84,7 @@ private:
     std::unique_ptr<CAudioModule> m_fading;
     CArray<CFadeOscillator, 2> m_oscillators;
     CArray<CSampleBuffer, 2> m_outputs;
+    std::uint32_t m_nextSeed; ///< counted here, since fades of several nodes start in one block at different samples
     int m_channel = kAllLines;
     int m_group = 0;
     int m_announcedLatency = 0;

@@ -6,8 +6,8 @@ namespace qrb {
 void CModDenormNoiseModule::start()
 {
     m_noises.resize(static_cast<std::size_t>(outputCount()));
-    for (CDenormNoise& noise : m_noises)
-        noise = CDenormNoise(CDenormNoise::takeSeed());
+    for (int i = 0; i < outputCount(); ++i)
+        m_noises[static_cast<std::size_t>(i)] = CDenormNoise(seed(i));
 }
 
 void CModDenormNoiseModule::process()

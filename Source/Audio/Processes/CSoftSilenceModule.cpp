@@ -5,7 +5,7 @@ namespace qrb {
 
 void CSoftSilenceModule::start()
 {
-    m_noise = CDenormNoise(CDenormNoise::takeSeed());
+    m_noise = CDenormNoise(seed());
 }
 
 void CSoftSilenceModule::passAll(int port)

@@ -130,16 +130,21 @@ TEST(CModLatencyUniformer, RefusesATableThatCannotBeRead)
     }
 }
 
-/// Everything that has a memory, with settings that change while it runs.
+const std::string kSmooth = "is-smooth-update='true' xfade-length='0.015'";
+
+/// Everything that has a memory, with settings that change while it runs, and again before they have crossed over.
 std::map<int, std::vector<double>> renderChain(int cut)
 {
-    CGraphRig rig(paramXml("routing", "2,1,3") + paramXml("pairs", "1,1,0") + paramXml("encode", "0") +
-                  paramXml("decode", "1") + paramXml("bypass", "0") + paramXml("gain", "0.5") +
-                  paramXml("linking", "0.3") + moduleXml("modRouter", {"*routing"}) +
+    CGraphRig rig(paramXml("routing", "2,1,3") + paramXml("grouping", "0,0,1") + paramXml("pairs", "1,1,0") +
+                  paramXml("encode", "0") + paramXml("decode", "1") + paramXml("bypass", "0") +
+                  paramXml("gain", "0.5") + paramXml("linking", "0.3") + paramXml("mute", "0;0") +
+                  paramXml("other", "0") + paramXml("port", "0") + moduleXml("modRouter", {"*routing", "*grouping"}) +
                   moduleXml("modMSCoder", {"*pairs", "encode", "bypass"}, "", "encoder") +
                   moduleXml("modDenormNoise", {}) + delayXml("") + moduleXml("modRMS", {}, "is-smooth-update='true'") +
                   moduleXml("modLeveler", {"", "", "linking"}, "is-terminal-whole='true' is-smooth-update='true'") +
-                  moduleXml("modGain", {"gain"}, "is-smooth-update='true' xfade-length='0.015'") +
+                  moduleXml("modGain", {"gain"}, kSmooth) + moduleXml("modBypass", {"port"}, kSmooth) +
+                  linkXml("modGain", "modBypass/1") + moduleXml("modMute", {"mute"}, kSmooth) +
+                  moduleXml("modMute", {"other"}, kSmooth, "unmuted") +
                   moduleXml("modMSCoder", {"*pairs", "decode", "bypass"}, "", "decoder") +
                   moduleXml("modLatencyUniformer", {}, kTable));
     rig.setLines({{0, 0}, {1, 0}, {2, 1}});
@@ -152,7 +157,12 @@ std::map<int, std::vector<double>> renderChain(int cut)
     run(1000);
     rig.set("gain", 2.0);
     rig.set("time", 0.003);
+    rig.set("mute", 1.0, 1);
+    rig.set("port", 1.0); // the same signal as on port 0
     run(300);
+    rig.set("mute", 0.9, 1); // starts a fade, and with it a noise, when the first has ended
+    rig.set("other", 0.2);
+    rig.set("port", 0.0);
     rig.set("time", 0.001);
     rig.set("linking", 1.0);
     rig.set("gain", -1.0);
