@@ -143,15 +143,14 @@ void follower(benchmark::State& state)
     settings.isFeedback = isFeedback;
     settings.punch = 0.5;
     const qrb::CFollower follower = qrb::makeFollower(settings, 48000.0);
-    const qrb::FFollowerKernel kernel = qrb::followerKernel(true, isFeedback, false);
-    const bool isPair = state.range(1) == 2;
-    qrb::CFollowerState states[2] = {qrb::restOfFollower(settings), qrb::restOfFollower(settings)};
-    CBlock second(kBlockLength);
+    const auto count = static_cast<std::size_t>(state.range(1));
+    std::vector<qrb::CFollowerState> states(count, qrb::restOfFollower(settings));
+    std::vector<CBlock> outs(count, CBlock(kBlockLength));
     run(state, makeLevels(), [&](const double* in, double* out) {
-        kernel(
-            follower,
-            {{&states[0], &states[isPair ? 1 : 0]}, {in, in}, {nullptr, nullptr}, {out, isPair ? second.data() : out}},
-            kBlockLength);
+        std::vector<qrb::CFollowerLine> lines;
+        for (std::size_t i = 0; i < count; ++i)
+            lines.push_back({&follower, &states[i], in, nullptr, i == 0 ? out : outs[i].data()});
+        qrb::runFollowers(qrb::followerLoop(settings, false), lines, kBlockLength);
     });
 }
 
@@ -164,14 +163,15 @@ void tube(benchmark::State& state)
     settings.drive = 3.0;
     settings.isBlockedByFeedback = state.range(0) != 0;
     const qrb::CTube design = qrb::makeTube(settings, 48000.0);
-    const qrb::FTubeKernel kernel = qrb::tubeKernel(settings.isBlockedByFeedback, false);
-    const bool isPair = state.range(1) == 2;
+    const auto count = static_cast<std::size_t>(state.range(1));
     const qrb::CTubeState rest = qrb::restOfTube(design, settings.isBlockedByFeedback);
-    qrb::CTubeState states[2] = {rest, rest};
-    CBlock second(kBlockLength);
+    std::vector<qrb::CTubeState> states(count, rest);
+    std::vector<CBlock> outs(count, CBlock(kBlockLength));
     run(state, makeAudio(), [&](const double* in, double* out) {
-        kernel(design, {{&states[0], &states[isPair ? 1 : 0]}, {in, in}, {out, isPair ? second.data() : out}},
-               kBlockLength);
+        std::vector<qrb::CTubeLine> lines;
+        for (std::size_t i = 0; i < count; ++i)
+            lines.push_back({&design, &states[i], in, i == 0 ? out : outs[i].data()});
+        qrb::runTubes(qrb::tubeLoop(settings.isBlockedByFeedback, false), lines, kBlockLength);
     });
 }
 
@@ -181,8 +181,8 @@ BENCHMARK(gainLibm);
 BENCHMARK(gainLibmvec);
 BENCHMARK(gain)->ArgName("width")->Arg(0)->Arg(1)->Arg(2);
 BENCHMARK(divisions);
-BENCHMARK(follower)->ArgNames({"feedback", "lines"})->ArgsProduct({{0, 1}, {1, 2}});
-BENCHMARK(tube)->ArgNames({"feedback", "lines"})->ArgsProduct({{0, 1}, {1, 2}});
+BENCHMARK(follower)->ArgNames({"feedback", "lines"})->ArgsProduct({{0, 1}, {1, 2, 4, 6}});
+BENCHMARK(tube)->ArgNames({"feedback", "lines"})->ArgsProduct({{0, 1}, {1, 2, 4, 6}});
 
 } // namespace
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/Processes/CModAlphaEnv.h"
 
+#include "Audio/Processes/CLineBatch.h"
+
 #include <algorithm>
 
 namespace qrb {
@@ -39,35 +41,34 @@ void CModAlphaEnvModule::update()
     m_settings.minRate = value(m_minRateSlot);
     m_settings.punch = value(m_punchSlot);
     m_follower = makeFollower(m_settings, sampleRate());
-    m_run = followerKernel(m_settings.isInverse, m_settings.isFeedback, false);
-    m_runHolding = followerKernel(m_settings.isInverse, m_settings.isFeedback, true);
     if (isFirstUpdate()) {
         m_states.resize(static_cast<std::size_t>(outputCount()));
         reset();
     }
 }
 
-void CModAlphaEnvModule::processPair(int first, int second)
-{
-    CFollowerLines lines{};
-    const int places[] = {first, second};
-    for (std::size_t i = 0; i < 2; ++i) {
-        lines.states[i] = &m_states[static_cast<std::size_t>(places[i])];
-        lines.in[i] = input(0, places[i]);
-        lines.opening[i] = input(1, places[i]);
-        lines.out[i] = i == 1 && first == second ? lines.out[0] : writeOutput(places[i]);
-    }
-    const bool isHolding = lines.opening[0] != nullptr;
-    (isHolding ? m_runHolding : m_run)(m_follower, lines, static_cast<std::size_t>(blockLength()));
-}
-
 void CModAlphaEnvModule::process()
 {
-    int done = 0;
-    while (done < outputCount()) {
-        const bool isPair = done + 1 < outputCount() && (input(1, done) == nullptr) == (input(1, done + 1) == nullptr);
-        processPair(done, isPair ? done + 1 : done);
-        done += isPair ? 2 : 1;
+    CAudioModule* const self = this;
+    processTogether({&self, 1});
+}
+
+void CModAlphaEnvModule::processTogether(std::span<CAudioModule* const> modules)
+{
+    for (std::size_t loop = 0; loop < kFollowerLoops; ++loop) {
+        auto batch = makeLineBatch<CFollowerLine>([&](std::span<const CFollowerLine> lines) {
+            runFollowers(static_cast<EFollowerLoop>(loop), lines, static_cast<std::size_t>(blockLength()));
+        });
+        for (CAudioModule* const module : modules) {
+            auto& mate = static_cast<CModAlphaEnvModule&>(*module);
+            for (int i = 0; i < mate.outputCount(); ++i) {
+                const double* const opening = mate.input(1, i);
+                if (followerLoop(mate.m_settings, opening != nullptr) == static_cast<EFollowerLoop>(loop)) {
+                    batch.add({&mate.m_follower, &mate.m_states[static_cast<std::size_t>(i)], mate.input(0, i), opening,
+                               mate.writeOutput(i)});
+                }
+            }
+        }
     }
 }
 

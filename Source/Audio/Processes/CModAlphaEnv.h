@@ -10,17 +10,18 @@ namespace qrb {
 /// Smooths a level or a gain with four program-dependent stages. A line on port 1 holds the output down until that line
 /// allows it to rise. Parameters never make the output jump: only the first update of a module sets its states.
 ///
-/// Serves any number of lines; where one module has them all, they run in pairs at the cost of one.
+/// Serves any number of lines. Those of one module, and of modules that do not wait for each other, run side by side.
 class CModAlphaEnvModule : public CAudioModule {
 public:
     void regParams() override;
     void reset() override;
     void update() override;
     void process() override;
+    [[nodiscard]] bool canRunTogether() const override { return true; }
+    void processTogether(std::span<CAudioModule* const> modules) override;
 
 private:
     [[nodiscard]] EFollowerMode mode(const CAudioParamSlot& slot) const;
-    void processPair(int first, int second);
 
     CAudioParamSlot m_attackSlot;
     CAudioParamSlot m_releaseSlot;
@@ -32,8 +33,6 @@ private:
     CAudioParamSlot m_feedbackSlot;
     CFollowerSettings m_settings;
     CFollower m_follower{};
-    FFollowerKernel m_run = nullptr;
-    FFollowerKernel m_runHolding = nullptr;
     CArray<CFollowerState, 2> m_states; ///< one a line
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/Processes/CModRMS.h"
 
+#include "Audio/Processes/CLineBatch.h"
 #include "Audio/Processes/OnePole.h"
 
 #include <algorithm>
@@ -28,10 +29,24 @@ void CModRMSModule::update()
 
 void CModRMSModule::process()
 {
-    const auto detect = m_isTwoPole ? detectRMSTwoPole : detectRMSOnePole;
-    const auto count = static_cast<std::size_t>(blockLength());
-    for (int i = 0; i < outputCount(); ++i)
-        detect(m_coefficient, m_states[static_cast<std::size_t>(i)], {input(0, i), count}, {writeOutput(i), count});
+    CAudioModule* const self = this;
+    processTogether({&self, 1});
+}
+
+void CModRMSModule::processTogether(std::span<CAudioModule* const> modules)
+{
+    for (const bool isTwoPole : {false, true}) {
+        auto batch = makeLineBatch<CRMSLine>([&](std::span<const CRMSLine> lines) {
+            detectRMS(isTwoPole, lines, static_cast<std::size_t>(blockLength()));
+        });
+        for (CAudioModule* const module : modules) {
+            auto& mate = static_cast<CModRMSModule&>(*module);
+            for (int i = 0; mate.m_isTwoPole == isTwoPole && i < mate.outputCount(); ++i) {
+                batch.add({mate.m_coefficient, &mate.m_states[static_cast<std::size_t>(i)], mate.input(0, i),
+                           mate.writeOutput(i)});
+            }
+        }
+    }
 }
 
 } // namespace qrb

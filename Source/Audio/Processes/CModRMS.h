@@ -14,6 +14,8 @@ public:
     void reset() override;
     void update() override;
     void process() override;
+    [[nodiscard]] bool canRunTogether() const override { return true; }
+    void processTogether(std::span<CAudioModule* const> modules) override;
 
 private:
     CAudioParamSlot m_frequency;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/Processes/CModXOTube.h"
 
+#include "Audio/Processes/CLineBatch.h"
+
 #include <algorithm>
 
 namespace qrb {
@@ -106,7 +108,7 @@ void CModXOTubeModule::update()
     const CTubeSettings settings = readSettings();
     m_tube = makeTube(settings, sampleRate());
     m_isBlockedByFeedback = settings.isBlockedByFeedback;
-    m_run = tubeKernel(m_isBlockedByFeedback, isOn(m_slots[kXOverMon]));
+    m_loop = tubeLoop(m_isBlockedByFeedback, isOn(m_slots[kXOverMon]));
     if (isFirstUpdate()) {
         m_states.resize(static_cast<std::size_t>(outputCount()));
         reset();
@@ -115,14 +117,23 @@ void CModXOTubeModule::update()
 
 void CModXOTubeModule::process()
 {
-    for (int first = 0; first < outputCount(); first += 2) {
-        const int second = std::min(first + 1, outputCount() - 1);
-        double* const out = writeOutput(first);
-        m_run(m_tube,
-              {{&m_states[static_cast<std::size_t>(first)], &m_states[static_cast<std::size_t>(second)]},
-               {input(0, first), input(0, second)},
-               {out, second == first ? out : writeOutput(second)}},
-              static_cast<std::size_t>(blockLength()));
+    CAudioModule* const self = this;
+    processTogether({&self, 1});
+}
+
+void CModXOTubeModule::processTogether(std::span<CAudioModule* const> modules)
+{
+    for (std::size_t loop = 0; loop < kTubeLoops; ++loop) {
+        auto batch = makeLineBatch<CTubeLine>([&](std::span<const CTubeLine> lines) {
+            runTubes(static_cast<ETubeLoop>(loop), lines, static_cast<std::size_t>(blockLength()));
+        });
+        for (CAudioModule* const module : modules) {
+            auto& mate = static_cast<CModXOTubeModule&>(*module);
+            for (int i = 0; mate.m_loop == static_cast<ETubeLoop>(loop) && i < mate.outputCount(); ++i) {
+                batch.add(
+                    {&mate.m_tube, &mate.m_states[static_cast<std::size_t>(i)], mate.input(0, i), mate.writeOutput(i)});
+            }
+        }
     }
 }
 

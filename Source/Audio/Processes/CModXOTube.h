@@ -9,13 +9,15 @@ namespace qrb {
 
 /// Saturator of two curves with a morph between them that follows its own output.
 ///
-/// Serves any number of lines; where one module has them all, they run in pairs at the cost of one.
+/// Serves any number of lines. Those of one module, and of modules that do not wait for each other, run side by side.
 class CModXOTubeModule : public CAudioModule {
 public:
     void regParams() override;
     void reset() override;
     void update() override;
     void process() override;
+    [[nodiscard]] bool canRunTogether() const override { return true; }
+    void processTogether(std::span<CAudioModule* const> modules) override;
 
 private:
     static constexpr int kSlots = 24;
@@ -25,7 +27,7 @@ private:
     CAudioParamSlot m_slots[kSlots];
     CTube m_tube{};
     bool m_isBlockedByFeedback = false;
-    FTubeKernel m_run = nullptr;
+    ETubeLoop m_loop = ETubeLoop::blocked;
     CArray<CTubeState, 2> m_states; ///< one a line
 };
 

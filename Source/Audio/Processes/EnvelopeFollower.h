@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Audio/Processes/VectorWidth.h"
+
 #include <cstddef>
+#include <span>
 
 namespace qrb {
 
@@ -44,19 +47,29 @@ struct CFollowerState {
 /// Where a follower starts: a gain at 1, a level at 0; with feedback at 1, since it divides by its own output.
 [[nodiscard]] CFollowerState restOfFollower(const CFollowerSettings& settings);
 
-/// What a loop works on: two lines side by side, since each waits for its own last sample most of the time. A single line
-/// stands in both places.
-struct CFollowerLines {
-    CFollowerState* states[2];
-    const double* in[2];
-    const double* opening[2]; ///< only read by loops that hold
-    double* out[2];           ///< may be the inputs
+/// A line that a follower runs on.
+struct CFollowerLine {
+    const CFollower* follower = nullptr;
+    CFollowerState* state = nullptr;
+    const double* in = nullptr;
+    const double* opening = nullptr; ///< only read by loops that hold
+    double* out = nullptr;           ///< may be an input
 };
 
-using FFollowerKernel = void (*)(const CFollower& follower, const CFollowerLines& lines, std::size_t count);
+/// The forms of the loop. One that holds follows a gain, and its first stage rises only while the second input is at or
+/// above it; otherwise it keeps its value.
+enum class EFollowerLoop { level, gain, holdingGain, levelFeedback, gainFeedback, holdingGainFeedback };
+constexpr std::size_t kFollowerLoops = 6;
+[[nodiscard]] EFollowerLoop followerLoop(const CFollowerSettings& settings, bool isHolding);
 
-/// The loop of these settings. With `isHolding` it follows a gain whatever `isInverse` says, and the first stage rises
-/// only while the second input is at or above it; otherwise it keeps its value.
-[[nodiscard]] FFollowerKernel followerKernel(bool isInverse, bool isFeedback, bool isHolding);
+/// Runs any number of lines side by side, since each waits for its own last sample most of the time. The result does not
+/// depend on how many there are, nor on `width`.
+void runFollowers(EFollowerLoop loop, std::span<const CFollowerLine> lines, std::size_t count, EVectorWidth width);
+void runFollowers(EFollowerLoop loop, std::span<const CFollowerLine> lines, std::size_t count);
+
+using FFollowerKernel = void (*)(const CFollowerLine* lines, std::size_t count);
+
+/// Loops on four lines at once; only where the processor has the vectors for it. By EFollowerLoop.
+[[nodiscard]] std::span<const FFollowerKernel> quadFollowerKernels();
 
 } // namespace qrb

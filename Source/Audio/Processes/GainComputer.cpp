@@ -71,11 +71,6 @@ double gainDecibels(const CGainCurve& curve, double over)
     return curve.arcCentre + std::sqrt(curve.arcRadius2 - along * along);
 }
 
-bool hasVectorWidth(EVectorWidth width)
-{
-    return width != EVectorWidth::quads || __builtin_cpu_supports("avx2");
-}
-
 const CGainKernels& gainKernels(EVectorWidth width)
 {
     switch (width) {
@@ -91,7 +86,7 @@ const CGainKernels& gainKernels(EVectorWidth width)
 
 const CGainKernels& gainKernels()
 {
-    return gainKernels(hasVectorWidth(EVectorWidth::quads) ? EVectorWidth::quads : EVectorWidth::pairs);
+    return gainKernels(widestVectors());
 }
 
 } // namespace qrb

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Audio/Processes/VectorWidth.h"
+
 #include <cstddef>
 
 namespace qrb {
@@ -43,11 +45,6 @@ struct CGainKernels {
     /// Exponential, within 1.2 ulp of x up to 709; below -708 it is 0.
     FLineMap exp;
 };
-
-enum class EVectorWidth { plain, pairs, quads };
-
-/// Whether this processor can run the width. Thread: any.
-[[nodiscard]] bool hasVectorWidth(EVectorWidth width);
 
 /// Thread: any.
 [[nodiscard]] const CGainKernels& gainKernels(EVectorWidth width);

@@ -1,47 +1,39 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/Processes/RMSDetector.h"
 
-#include <cmath>
-#include <cstddef>
+#include "Audio/Processes/LanePlaces.h"
+
+#include <emmintrin.h>
 
 namespace qrb {
 
 namespace {
 
-/// Above zero, and far below anything heard.
-constexpr double kFloor = 1e-15;
+namespace pairs {
 
-/// Apart from the recursions, so that the roots run in vectors.
-void takeRoots(std::span<double> io)
+constexpr std::size_t kLanes = 2;
+using Lanes = double __attribute__((vector_size(16)));
+
+[[gnu::always_inline]] inline Lanes rootOf(Lanes x)
 {
-    for (double& y : io)
-        y = std::sqrt(y) + kFloor;
+    return _mm_sqrt_pd(x);
 }
+
+#include "Audio/Processes/RMSLoops.inl"
+
+} // namespace pairs
 
 } // namespace
 
-void detectRMSOnePole(double c, CRMSState& state, std::span<const double> in, std::span<double> out)
+void detectRMS(bool isTwoPole, std::span<const CRMSLine> lines, std::size_t count, EVectorWidth width)
 {
-    double s1 = state.s1;
-    for (std::size_t i = 0; i < in.size(); ++i) {
-        s1 += (in[i] * in[i] - s1) * c;
-        out[i] = s1;
-    }
-    state.s1 = s1;
-    takeRoots(out);
+    runInPlaces(
+        lines, width, pairs::kKernels[isTwoPole ? 1 : 0], [&] { return quadRMSKernels()[isTwoPole ? 1 : 0]; }, count);
 }
 
-void detectRMSTwoPole(double c, CRMSState& state, std::span<const double> in, std::span<double> out)
+void detectRMS(bool isTwoPole, std::span<const CRMSLine> lines, std::size_t count)
 {
-    double s1 = state.s1;
-    double s2 = state.s2;
-    for (std::size_t i = 0; i < in.size(); ++i) {
-        s1 += (in[i] * in[i] - s1) * c;
-        s2 += (s1 - s2) * c;
-        out[i] = s2;
-    }
-    state = {s1, s2};
-    takeRoots(out);
+    detectRMS(isTwoPole, lines, count, widestVectors());
 }
 
 } // namespace qrb

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Audio/Processes/VectorWidth.h"
+
+#include <cstddef>
 #include <span>
 
 namespace qrb {
@@ -11,11 +14,22 @@ struct CRMSState {
     double s2 = 0.0; ///< second smoother, which the one-pole detector leaves alone
 };
 
-/// Root of the input's square, smoothed once with coefficient `c`, plus 1e-15, so that a logarithm of it is defined.
-/// The spans are equally long and may be the same.
-void detectRMSOnePole(double c, CRMSState& state, std::span<const double> in, std::span<double> out);
+/// A line that a detector runs on.
+struct CRMSLine {
+    double coefficient = 0.0;
+    CRMSState* state = nullptr;
+    const double* in = nullptr;
+    double* out = nullptr; ///< may be the input
+};
 
-/// The same with two smoothers in a row.
-void detectRMSTwoPole(double c, CRMSState& state, std::span<const double> in, std::span<double> out);
+/// Root of the input's square, smoothed once or twice, plus 1e-15, so that a logarithm of it is defined. Runs any number
+/// of lines side by side; the result does not depend on how many there are, nor on `width`.
+void detectRMS(bool isTwoPole, std::span<const CRMSLine> lines, std::size_t count, EVectorWidth width);
+void detectRMS(bool isTwoPole, std::span<const CRMSLine> lines, std::size_t count);
+
+using FRMSKernel = void (*)(const CRMSLine* lines, std::size_t count);
+
+/// Loops on four lines at once; only where the processor has the vectors for it. The second smooths twice.
+[[nodiscard]] std::span<const FRMSKernel> quadRMSKernels();
 
 } // namespace qrb

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Audio/Processes/VectorWidth.h"
+
 #include <cstddef>
+#include <span>
 
 namespace qrb {
 
@@ -59,16 +62,31 @@ struct CTubeState {
 /// Settled on silence.
 [[nodiscard]] CTubeState restOfTube(const CTube& tube, bool isBlockedByFeedback);
 
-/// Two lines side by side, as each waits for its own last output; a single line stands in both places.
-struct CTubeLines {
-    CTubeState* states[2];
-    const double* in[2];
-    double* out[2]; ///< may be the inputs
+/// A line that a saturator runs on.
+struct CTubeLine {
+    const CTube* tube = nullptr;
+    CTubeState* state = nullptr;
+    const double* in = nullptr;
+    double* out = nullptr; ///< may be the input
 };
 
-using FTubeKernel = void (*)(const CTube& tube, const CTubeLines& lines, std::size_t count);
+/// The forms of the loop. A monitor's output is the morph, 0 for the first curve to 1 for the second, while the sound runs
+/// on inside.
+enum class ETubeLoop { blocked, blockedMonitor, feedback, feedbackMonitor };
+constexpr std::size_t kTubeLoops = 4;
+[[nodiscard]] constexpr ETubeLoop tubeLoop(bool isBlockedByFeedback, bool isMonitor)
+{
+    return static_cast<ETubeLoop>((isBlockedByFeedback ? 2 : 0) + (isMonitor ? 1 : 0));
+}
 
-/// With `isMonitor` the output is the morph, 0 for the first curve to 1 for the second, while the sound runs on inside.
-[[nodiscard]] FTubeKernel tubeKernel(bool isBlockedByFeedback, bool isMonitor);
+/// Runs any number of lines side by side, as each waits for its own last output. The result does not depend on how many
+/// there are, nor on `width`.
+void runTubes(ETubeLoop loop, std::span<const CTubeLine> lines, std::size_t count, EVectorWidth width);
+void runTubes(ETubeLoop loop, std::span<const CTubeLine> lines, std::size_t count);
+
+using FTubeKernel = void (*)(const CTubeLine* lines, std::size_t count);
+
+/// Loops on four lines at once; only where the processor has the vectors for it. By ETubeLoop.
+[[nodiscard]] std::span<const FTubeKernel> quadTubeKernels();
 
 } // namespace qrb

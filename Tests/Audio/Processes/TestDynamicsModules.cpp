@@ -92,9 +92,9 @@ TEST(CModAlphaEnv, ReadsEachSlotWhereItBelongs)
     for (int i = 0; i < 3000; ++i)
         want[static_cast<std::size_t>(i)] = wave(0, i);
     CFollowerState state = restOfFollower(settings);
-    followerKernel(false, true, false)(makeFollower(settings, 44100.0),
-                                       {{&state, &state}, {want.data(), want.data()}, {}, {want.data(), want.data()}},
-                                       want.size());
+    const CFollower follower = makeFollower(settings, 44100.0);
+    const CFollowerLine line{&follower, &state, want.data(), nullptr, want.data()};
+    runFollowers(followerLoop(settings, false), {&line, 1}, want.size());
     EXPECT_EQ(rig.run(3000).at(0), want);
 }
 
@@ -194,8 +194,8 @@ TEST(CModXOTube, ReadsEachSlotWhereItBelongs)
                     want[static_cast<std::size_t>(i)] = wave(0, i);
                 const CTube tube = makeTube(settings, 44100.0);
                 CTubeState state = restOfTube(tube, isFeedback);
-                tubeKernel(isFeedback, isMonitor)(
-                    tube, {{&state, &state}, {want.data(), want.data()}, {want.data(), want.data()}}, want.size());
+                const CTubeLine line{&tube, &state, want.data(), want.data()};
+                runTubes(tubeLoop(isFeedback, isMonitor), {&line, 1}, want.size());
                 EXPECT_EQ(rig.run(1500).at(0), want) << drive << isFeedback << isMonitor;
             }
 }

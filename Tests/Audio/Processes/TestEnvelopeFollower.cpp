@@ -116,13 +116,12 @@ CSignal testSignal(unsigned seed, bool isGain, std::size_t count)
     return signal;
 }
 
-CSignal runAlone(const CFollower& follower, FFollowerKernel run, CFollowerState state, const CSignal& in,
+CSignal runAlone(const CFollower& follower, EFollowerLoop loop, CFollowerState state, const CSignal& in,
                  const CSignal& opening)
 {
     CSignal out(in.size());
-    run(follower,
-        {{&state, &state}, {in.data(), in.data()}, {opening.data(), opening.data()}, {out.data(), out.data()}},
-        in.size());
+    const CFollowerLine line{&follower, &state, in.data(), opening.data(), out.data()};
+    runFollowers(loop, {&line, 1}, in.size());
     return out;
 }
 
@@ -150,9 +149,8 @@ TEST(EnvelopeFollower, EqualsTheSlowModelInAllModesAndKernels)
                                                      kPunch[seed % std::size(kPunch)]};
                     const CSignal in = testSignal(++seed, isInverse, 2000);
                     const CSignal opening = testSignal(seed + 1000, isInverse, 2000);
-                    const CSignal out =
-                        runAlone(makeFollower(settings, sampleRate), followerKernel(isInverse, isFeedback, isHolding),
-                                 restOfFollower(settings), in, opening);
+                    const CSignal out = runAlone(makeFollower(settings, sampleRate), followerLoop(settings, isHolding),
+                                                 restOfFollower(settings), in, opening);
                     CSlowFollower slow(settings, sampleRate, isHolding);
                     for (std::size_t i = 0; i < in.size(); ++i) {
                         const double want = slow.next(in[i], opening[i]);
@@ -167,13 +165,13 @@ TEST(EnvelopeFollower, AGateThatClosedOpensAtTheHigherThresholdOnlyAndIsNeverFro
         const CFollowerSettings settings{0.001, release, EFollowerMode::normal, EFollowerMode::slow, true, false,
                                          0.2,   1.0};
         const CFollower follower = makeFollower(settings, 44100.0);
-        const FFollowerKernel run = followerKernel(true, false, true);
+        const EFollowerLoop loop = followerLoop(settings, true);
         CFollowerState state = restOfFollower(settings);
         const auto settle = [&](double closing, double opening) {
             CSignal in(20000, closing);
             const CSignal z(in.size(), opening);
-            run(follower, {{&state, &state}, {in.data(), in.data()}, {z.data(), z.data()}, {in.data(), in.data()}},
-                in.size());
+            const CFollowerLine line{&follower, &state, in.data(), z.data(), in.data()};
+            runFollowers(loop, {&line, 1}, in.size());
             return in.back();
         };
         EXPECT_EQ(settle(1.0, 0.0), 1.0) << "open, the higher threshold does not matter";
@@ -192,23 +190,67 @@ TEST(EnvelopeFollower, StartsAtRestAndComesBackThereAfterALoudPassage)
             for (const EFollowerMode mode : {EFollowerMode::fast, EFollowerMode::normal, EFollowerMode::slow}) {
                 const CFollowerSettings settings{0.001, 0.01, mode, mode, isInverse, isFeedback, 0.2, 0.4};
                 const CFollower follower = makeFollower(settings, 44100.0);
-                const FFollowerKernel run = followerKernel(isInverse, isFeedback, false);
+                const EFollowerLoop loop = followerLoop(settings, false);
                 // A level with feedback divides by what silence left of it: such gains rest at 1.
                 const double rest = isInverse || isFeedback ? 1.0 : 0.0;
                 const CSignal quiet(300000, rest);
-                for (const double gain : runAlone(follower, run, restOfFollower(settings), quiet, {}))
+                for (const double gain : runAlone(follower, loop, restOfFollower(settings), quiet, {}))
                     ASSERT_NEAR(gain, rest, 1e-12) << "no burst at the start";
                 CFollowerState state = restOfFollower(settings);
                 CSignal block = testSignal(9, true, 2000);
                 for (double& x : block)
                     x = isFeedback && !isInverse ? 1.0 / x : x;
                 block.insert(block.end(), quiet.begin(), quiet.end());
-                run(follower, {{&state, &state}, {block.data(), block.data()}, {}, {block.data(), block.data()}},
-                    block.size());
+                const CFollowerLine line{&follower, &state, block.data(), nullptr, block.data()};
+                runFollowers(loop, {&line, 1}, block.size());
                 EXPECT_NEAR(block.back(), rest, 1e-9) << isFeedback << isInverse;
                 for (const double s : state.stages)
                     EXPECT_NE(std::fpclassify(s), FP_SUBNORMAL);
             }
+}
+
+TEST(EnvelopeFollower, LinesSideBySideAtAnyWidthGiveTheBitsOfEachAlone)
+{
+    constexpr std::size_t kLines = 7;
+    for (std::size_t loop = 0; loop < kFollowerLoops; ++loop) {
+        CFollower followers[kLines];
+        CFollowerState rests[kLines];
+        CSignal in[kLines];
+        CSignal opening[kLines];
+        for (unsigned i = 0; i < kLines; ++i) {
+            const CFollowerSettings settings{0.001 * (i + 1),
+                                             0.03,
+                                             EFollowerMode::slow,
+                                             EFollowerMode::normal,
+                                             loop != 0 && loop != 3,
+                                             loop >= 3,
+                                             0.2,
+                                             0.1 * i};
+            followers[i] = makeFollower(settings, 44100.0);
+            rests[i] = restOfFollower(settings);
+            in[i] = testSignal(i, true, 500);
+            opening[i] = testSignal(i + 50, true, 500);
+        }
+        for (const EVectorWidth width : {EVectorWidth::pairs, EVectorWidth::quads}) {
+            if (!hasVectorWidth(width))
+                continue;
+            CFollowerState states[kLines];
+            std::copy(std::begin(rests), std::end(rests), states);
+            CSignal out[kLines];
+            for (CSignal& samples : out)
+                samples.resize(500);
+            for (const auto& [start, count] :
+                 {std::pair<std::size_t, std::size_t>{0, 1}, {1, 0}, {1, 332}, {333, 167}}) {
+                CFollowerLine lines[kLines];
+                for (std::size_t i = 0; i < kLines; ++i)
+                    lines[i] = {&followers[i], &states[i], &in[i][start], &opening[i][start], &out[i][start]};
+                runFollowers(static_cast<EFollowerLoop>(loop), lines, count, width);
+            }
+            for (std::size_t i = 0; i < kLines; ++i)
+                EXPECT_EQ(out[i], runAlone(followers[i], static_cast<EFollowerLoop>(loop), rests[i], in[i], opening[i]))
+                    << "loop " << loop << " line " << i;
+        }
+    }
 }
 
 } // namespace

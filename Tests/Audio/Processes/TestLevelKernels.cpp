@@ -28,26 +28,36 @@ TEST(OnePole, HalvesThePowerAtItsFrequency)
     }
 }
 
-TEST(RMSDetector, RisesAsItsPolesSayAndContinuesAcrossCuts)
+TEST(RMSDetector, RisesAsItsPolesSayAndContinuesAcrossCutsAtAnyWidth)
 {
     const double c = onePoleCoefficient(100.0, 44100.0);
-    CSignal one(500, -2.0);
-    CSignal two = one;
-    CRMSState oneState;
-    CRMSState twoState;
-    for (const auto& [start, count] : {std::pair<std::size_t, std::size_t>{0, 1}, {1, 332}, {333, 167}}) {
-        detectRMSOnePole(c, oneState, {&one[start], count}, {&one[start], count});
-        detectRMSTwoPole(c, twoState, {&two[start], count}, {&two[start], count});
-    }
-    for (std::size_t i = 0; i < one.size(); ++i) {
-        const auto n = static_cast<double>(i + 1);
-        const double rest = std::pow(1.0 - c, n);
-        ASSERT_NEAR(one[i], 2.0 * std::sqrt(1.0 - rest), 1e-12) << i;
-        ASSERT_NEAR(two[i], 2.0 * std::sqrt(1.0 - rest * (1.0 + n * c)), 1e-12) << i;
+    for (const EVectorWidth width : {EVectorWidth::pairs, EVectorWidth::quads}) {
+        if (!hasVectorWidth(width))
+            continue;
+        CSignal levels[2][3]; // of one and of two poles; three lines reach the widest loop
+        for (int poles = 0; poles < 2; ++poles) {
+            CRMSState states[3];
+            for (CSignal& level : levels[poles])
+                level.assign(500, -2.0);
+            for (const auto& [start, count] : {std::pair<std::size_t, std::size_t>{0, 1}, {1, 332}, {333, 167}}) {
+                CRMSLine lines[3];
+                for (std::size_t i = 0; i < 3; ++i)
+                    lines[i] = {c, &states[i], &levels[poles][i][start], &levels[poles][i][start]};
+                detectRMS(poles == 1, lines, count, width);
+            }
+        }
+        for (std::size_t line = 0; line < 3; ++line)
+            for (std::size_t i = 0; i < 500; ++i) {
+                const auto n = static_cast<double>(i + 1);
+                const double rest = std::pow(1.0 - c, n);
+                ASSERT_NEAR(levels[0][line][i], 2.0 * std::sqrt(1.0 - rest), 1e-12) << i;
+                ASSERT_NEAR(levels[1][line][i], 2.0 * std::sqrt(1.0 - rest * (1.0 + n * c)), 1e-12) << i;
+            }
     }
     CRMSState silent;
     CSignal zeros(5, 0.0);
-    detectRMSOnePole(c, silent, zeros, zeros);
+    const CRMSLine line{c, &silent, zeros.data(), zeros.data()};
+    detectRMS(false, {&line, 1}, zeros.size());
     EXPECT_EQ(zeros, CSignal(5, 1e-15)) << "never zero, for the logarithm behind it";
 }
 

@@ -183,8 +183,8 @@ CSignal runAlone(const CTubeSettings& settings, double sampleRate, const CSignal
     const CTube tube = makeTube(settings, sampleRate);
     CTubeState state = restOfTube(tube, settings.isBlockedByFeedback);
     CSignal out(in.size());
-    tubeKernel(settings.isBlockedByFeedback,
-               isMonitor)(tube, {{&state, &state}, {in.data(), in.data()}, {out.data(), out.data()}}, in.size());
+    const CTubeLine line{&tube, &state, in.data(), out.data()};
+    runTubes(tubeLoop(settings.isBlockedByFeedback, isMonitor), {&line, 1}, in.size());
     return out;
 }
 
@@ -223,8 +223,8 @@ TEST(Tube, SilenceStaysSilentFromTheFirstSampleOnAndComesBackAfterALoudPassage)
             CTubeState state = rest;
             CSignal block = testSignal(4, 44100);
             for (int second = 0; second < 16; ++second) {
-                tubeKernel(isFeedback, false)(
-                    tube, {{&state, &state}, {block.data(), block.data()}, {block.data(), block.data()}}, block.size());
+                const CTubeLine line{&tube, &state, block.data(), block.data()};
+                runTubes(tubeLoop(isFeedback, false), {&line, 1}, block.size());
                 if (second < 15)
                     block = silence;
             }
@@ -233,6 +233,43 @@ TEST(Tube, SilenceStaysSilentFromTheFirstSampleOnAndComesBackAfterALoudPassage)
             EXPECT_NEAR(state.blocker1, rest.blocker1, 1e-10) << voice.name << drive;
             for (const double kept : {state.blocker2, state.lowPass, state.filter1, state.filter2, state.last})
                 EXPECT_NE(std::fpclassify(kept), FP_SUBNORMAL) << voice.name << drive;
+        }
+}
+
+TEST(Tube, LinesSideBySideAtAnyWidthGiveTheBitsOfEachAlone)
+{
+    constexpr std::size_t kLines = 7;
+    CTube tubes[kLines];
+    CTubeState rests[kLines];
+    CSignal in[kLines];
+    for (unsigned i = 0; i < kLines; ++i) {
+        const CTubeSettings settings = settingsOf(kVoices[i % 6], 6.0 * i);
+        tubes[i] = makeTube(settings, 44100.0);
+        rests[i] = restOfTube(tubes[i], false);
+        in[i] = testSignal(i, 500);
+    }
+    for (const ETubeLoop loop : {ETubeLoop::blocked, ETubeLoop::feedback, ETubeLoop::feedbackMonitor})
+        for (const EVectorWidth width : {EVectorWidth::pairs, EVectorWidth::quads}) {
+            if (!hasVectorWidth(width))
+                continue;
+            CTubeState states[kLines];
+            std::copy(std::begin(rests), std::end(rests), states);
+            CSignal out[kLines];
+            for (CSignal& samples : out)
+                samples.resize(500);
+            for (const auto& [start, count] : {std::pair<std::size_t, std::size_t>{0, 1}, {1, 332}, {333, 167}}) {
+                CTubeLine lines[kLines];
+                for (std::size_t i = 0; i < kLines; ++i)
+                    lines[i] = {&tubes[i], &states[i], &in[i][start], &out[i][start]};
+                runTubes(loop, lines, count, width);
+            }
+            for (std::size_t i = 0; i < kLines; ++i) {
+                CTubeState state = rests[i];
+                CSignal want(500);
+                const CTubeLine line{&tubes[i], &state, in[i].data(), want.data()};
+                runTubes(loop, {&line, 1}, want.size());
+                EXPECT_EQ(out[i], want) << "line " << i;
+            }
         }
 }
 
