@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/Processes/EnvelopeFollower.h"
 
-#include "Audio/Processes/LanePlaces.h"
 #include "Audio/Processes/OnePole.h"
 
 #include <emmintrin.h>
@@ -70,18 +69,7 @@ void setWeights(CFollower& follower, double punch)
 
 namespace pairs {
 
-constexpr std::size_t kLanes = 2;
-using Lanes = double __attribute__((vector_size(16)));
-
-[[gnu::always_inline]] inline Lanes largerOf(Lanes a, Lanes b)
-{
-    return _mm_max_pd(a, b);
-}
-
-[[gnu::always_inline]] inline Lanes smallerOf(Lanes a, Lanes b)
-{
-    return _mm_min_pd(a, b);
-}
+#include "Audio/Processes/LanePairs.inl"
 
 #include "Audio/Processes/FollowerLoops.inl"
 
@@ -127,8 +115,7 @@ EFollowerLoop followerLoop(const CFollowerSettings& settings, bool isHolding)
 void runFollowers(EFollowerLoop loop, std::span<const CFollowerLine> lines, std::size_t count, EVectorWidth width)
 {
     const auto place = static_cast<std::size_t>(loop);
-    runInPlaces(
-        lines, width, pairs::kKernels[place], [&] { return quadFollowerKernels()[place]; }, count);
+    runInPlaces<CFollowerLine, FFollowerKernel>(lines, width, pairs::kKernels, wideFollowerKernels, place, count);
 }
 
 void runFollowers(EFollowerLoop loop, std::span<const CFollowerLine> lines, std::size_t count)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Audio/Processes/VectorWidth.h"
+#include "Audio/Processes/LanePlaces.h"
 
 #include <cstddef>
 #include <span>
@@ -69,7 +69,7 @@ void runFollowers(EFollowerLoop loop, std::span<const CFollowerLine> lines, std:
 
 using FFollowerKernel = void (*)(const CFollowerLine* lines, std::size_t count);
 
-/// Loops on four lines at once; only where the processor has the vectors for it. By EFollowerLoop.
-[[nodiscard]] std::span<const FFollowerKernel> quadFollowerKernels();
+/// Loops on four and on eight lines at once, in the order of the others; only where the processor has the vectors.
+[[nodiscard]] CWideKernels<FFollowerKernel> wideFollowerKernels();
 
 } // namespace qrb

@@ -14,30 +14,27 @@ namespace {
 
 namespace quads {
 
-constexpr std::size_t kLanes = 4;
-using Lanes = double __attribute__((vector_size(32)));
-
-[[gnu::always_inline]] inline Lanes largerOf(Lanes a, Lanes b)
-{
-    return _mm256_max_pd(a, b);
-}
-
-[[gnu::always_inline]] inline Lanes smallerOf(Lanes a, Lanes b)
-{
-    return _mm256_min_pd(a, b);
-}
+#include "Audio/Processes/LaneQuads.inl"
 
 #include "Audio/Processes/FollowerLoops.inl"
 
 } // namespace quads
 
+namespace octets {
+
+#include "Audio/Processes/LaneOctets.inl"
+
+#include "Audio/Processes/FollowerLoops.inl"
+
+} // namespace octets
+
 #pragma GCC pop_options
 
 } // namespace
 
-std::span<const FFollowerKernel> quadFollowerKernels()
+CWideKernels<FFollowerKernel> wideFollowerKernels()
 {
-    return quads::kKernels;
+    return {quads::kKernels, octets::kKernels};
 }
 
 } // namespace qrb

@@ -1,38 +1,33 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The loops of the follower for one vector width. Included inside a namespace that defines kLanes, Lanes, largerOf and
-// smallerOf; all widths give the same bits.
+// The loops of the follower for one vector width. Included inside a namespace that has the lanes; all widths give the same
+// bits.
 
 /// Keeps a division by silence finite.
 constexpr double kGuard = 1e-15;
-
-[[gnu::always_inline]] inline Lanes all(double x)
-{
-    Lanes lanes;
-    for (std::size_t i = 0; i < kLanes; ++i)
-        lanes[i] = x;
-    return lanes;
-}
 
 /// Followers of the lines, number by number.
 struct CLaneFollower {
     explicit CLaneFollower(const CFollowerLine* lines)
     {
-        for (std::size_t i = 0; i < kLanes; ++i) {
-            const CFollower& follower = *lines[i].follower;
-            for (std::size_t stage = 0; stage < CFollower::kStages; ++stage) {
-                attack[stage][i] = follower.attack[stage];
-                release[stage][i] = follower.release[stage];
-                weights[stage][i] = follower.weights[stage];
-                states[stage][i] = lines[i].state->stages[stage];
-            }
-            attackOffset[i] = follower.attackOffset;
-            attackScale[i] = follower.attackScale;
-            releaseOffset[i] = follower.releaseOffset;
-            releaseScale[i] = follower.releaseScale;
-            minRate[i] = follower.minRate;
-            norm[i] = follower.norm;
-            last[i] = lines[i].state->last;
+        const auto take = [lines](auto member) {
+            return lanesOf([=](std::size_t i) { return (*lines[i].follower).*member; });
+        };
+        const auto takeStage = [lines](auto member, std::size_t stage) {
+            return lanesOf([=](std::size_t i) { return ((*lines[i].follower).*member)[stage]; });
+        };
+        for (std::size_t stage = 0; stage < CFollower::kStages; ++stage) {
+            attack[stage] = takeStage(&CFollower::attack, stage);
+            release[stage] = takeStage(&CFollower::release, stage);
+            weights[stage] = takeStage(&CFollower::weights, stage);
+            states[stage] = lanesOf([=](std::size_t i) { return lines[i].state->stages[stage]; });
         }
+        attackOffset = take(&CFollower::attackOffset);
+        attackScale = take(&CFollower::attackScale);
+        releaseOffset = take(&CFollower::releaseOffset);
+        releaseScale = take(&CFollower::releaseScale);
+        minRate = take(&CFollower::minRate);
+        norm = take(&CFollower::norm);
+        last = lanesOf([=](std::size_t i) { return lines[i].state->last; });
     }
 
     Lanes attack[CFollower::kStages];
@@ -51,13 +46,13 @@ template <bool kIsInverse, bool kIsHolding>
     const auto isAttack = kIsInverse ? s >= in : in >= s;
     const Lanes upper = largerOf(in, s);
     const Lanes lower = smallerOf(in, s);
-    const Lanes guarded = isAttack ? upper + kGuard : upper;
-    const Lanes ratio = lower * (isAttack ? c.attackScale : c.releaseScale) / guarded;
-    const Lanes rate = largerOf((isAttack ? c.attackOffset : c.releaseOffset) + ratio, c.minRate);
+    const Lanes guarded = select(isAttack, upper + kGuard, upper);
+    const Lanes ratio = lower * select(isAttack, c.attackScale, c.releaseScale) / guarded;
+    const Lanes rate = largerOf(select(isAttack, c.attackOffset, c.releaseOffset) + ratio, c.minRate);
     Lanes release = c.release[stage];
     if constexpr (kIsHolding)
-        release = opening >= s ? release : all(0.0);
-    return s + (in - s) * (isAttack ? c.attack[stage] : release) * rate;
+        release = select(opening >= s, release, all(0.0));
+    return s + (in - s) * select(isAttack, c.attack[stage], release) * rate;
 }
 
 /// The same for a gain whose input only comes at the last moment. What can be done with the state alone stands apart
@@ -71,35 +66,34 @@ template <bool kIsHolding>
     const Lanes perState = c.attackScale / (s + kGuard);
     Lanes release = c.release[stage];
     if constexpr (kIsHolding)
-        release = opening >= s ? release : all(0.0);
+        release = select(opening >= s, release, all(0.0));
     const Lanes distance = in - s;
     const Lanes step = distance * release;
     const Lanes released = largerOf((s + step * c.releaseOffset) + (step * (s * c.releaseScale)) * inverse,
                                     s + step * c.minRate);
     const Lanes rate = largerOf(c.attackOffset + in * perState, c.minRate);
     const Lanes attacked = s + (distance * c.attack[stage]) * rate;
-    return s >= in ? attacked : released;
+    return select(s >= in, attacked, released);
 }
 
 [[gnu::always_inline]] inline Lanes loadSamples(const CFollowerLine* lines, const double* CFollowerLine::*samples,
                                                 std::size_t at)
 {
-    Lanes x;
-    for (std::size_t i = 0; i < kLanes; ++i)
-        x[i] = (lines[i].*samples)[at];
-    return x;
+    return lanesOf([=](std::size_t i) { return (lines[i].*samples)[at]; });
 }
 
 [[gnu::always_inline]] inline void storeSamples(const CFollowerLine* lines, std::size_t at, Lanes y)
 {
-    for (std::size_t i = 0; i < kLanes; ++i)
-        lines[i].out[at] = y[i];
+    eachLane(y, [=](std::size_t i, double sample) { lines[i].out[at] = sample; });
 }
 
 inline void storeStates(const CFollowerLine* lines, Lanes s1, Lanes s2, Lanes s3, Lanes s4, Lanes y)
 {
-    for (std::size_t i = kLanes; i > 0; --i)
-        *lines[i - 1].state = {{s1[i - 1], s2[i - 1], s3[i - 1], s4[i - 1]}, y[i - 1]};
+    eachLane(s1, [=](std::size_t i, double s) { lines[i].state->stages[0] = s; });
+    eachLane(s2, [=](std::size_t i, double s) { lines[i].state->stages[1] = s; });
+    eachLane(s3, [=](std::size_t i, double s) { lines[i].state->stages[2] = s; });
+    eachLane(s4, [=](std::size_t i, double s) { lines[i].state->stages[3] = s; });
+    eachLane(y, [=](std::size_t i, double last) { lines[i].state->last = last; });
 }
 
 /// Each stage runs one sample behind the stage before it, so that the four steps of a turn wait for nothing but the turn

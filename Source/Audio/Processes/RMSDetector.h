@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Audio/Processes/VectorWidth.h"
+#include "Audio/Processes/LanePlaces.h"
 
 #include <cstddef>
 #include <span>
@@ -29,7 +29,7 @@ void detectRMS(bool isTwoPole, std::span<const CRMSLine> lines, std::size_t coun
 
 using FRMSKernel = void (*)(const CRMSLine* lines, std::size_t count);
 
-/// Loops on four lines at once; only where the processor has the vectors for it. The second smooths twice.
-[[nodiscard]] std::span<const FRMSKernel> quadRMSKernels();
+/// Loops on four and on eight lines at once, in the order of the others; only where the processor has the vectors.
+[[nodiscard]] CWideKernels<FRMSKernel> wideRMSKernels();
 
 } // namespace qrb

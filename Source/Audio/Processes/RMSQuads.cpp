@@ -14,25 +14,27 @@ namespace {
 
 namespace quads {
 
-constexpr std::size_t kLanes = 4;
-using Lanes = double __attribute__((vector_size(32)));
-
-[[gnu::always_inline]] inline Lanes rootOf(Lanes x)
-{
-    return _mm256_sqrt_pd(x);
-}
+#include "Audio/Processes/LaneQuads.inl"
 
 #include "Audio/Processes/RMSLoops.inl"
 
 } // namespace quads
 
+namespace octets {
+
+#include "Audio/Processes/LaneOctets.inl"
+
+#include "Audio/Processes/RMSLoops.inl"
+
+} // namespace octets
+
 #pragma GCC pop_options
 
 } // namespace
 
-std::span<const FRMSKernel> quadRMSKernels()
+CWideKernels<FRMSKernel> wideRMSKernels()
 {
-    return quads::kKernels;
+    return {quads::kKernels, octets::kKernels};
 }
 
 } // namespace qrb

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/Processes/Tube.h"
 
-#include "Audio/Processes/LanePlaces.h"
-
 #include <smmintrin.h>
 
 #include <algorithm>
@@ -13,29 +11,7 @@ namespace {
 
 namespace pairs {
 
-constexpr std::size_t kLanes = 2;
-using Lanes = double __attribute__((vector_size(16)));
-
-[[gnu::always_inline]] inline Lanes all(double x)
-{
-    return _mm_set1_pd(x);
-}
-
-[[gnu::always_inline]] inline Lanes magnitude(Lanes x)
-{
-    return _mm_andnot_pd(all(-0.0), x);
-}
-
-[[gnu::always_inline]] inline Lanes withSignOf(Lanes x, Lanes sign)
-{
-    return _mm_or_pd(x, _mm_and_pd(all(-0.0), sign));
-}
-
-template <typename Mask>
-[[gnu::always_inline]] inline bool isAny(Mask mask)
-{
-    return _mm_movemask_pd(reinterpret_cast<Lanes>(mask)) != 0;
-}
+#include "Audio/Processes/LanePairs.inl"
 
 #include "Audio/Processes/TubeLoops.inl"
 
@@ -63,8 +39,7 @@ CTubeState restOfTube(const CTube& tube, bool isBlockedByFeedback)
 void runTubes(ETubeLoop loop, std::span<const CTubeLine> lines, std::size_t count, EVectorWidth width)
 {
     const auto place = static_cast<std::size_t>(loop);
-    runInPlaces(
-        lines, width, pairs::kKernels[place], [&] { return quadTubeKernels()[place]; }, count);
+    runInPlaces<CTubeLine, FTubeKernel>(lines, width, pairs::kKernels, wideTubeKernels, place, count);
 }
 
 void runTubes(ETubeLoop loop, std::span<const CTubeLine> lines, std::size_t count)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Audio/Processes/VectorWidth.h"
+#include "Audio/Processes/LanePlaces.h"
 
 #include <cstddef>
 #include <span>
@@ -86,7 +86,7 @@ void runTubes(ETubeLoop loop, std::span<const CTubeLine> lines, std::size_t coun
 
 using FTubeKernel = void (*)(const CTubeLine* lines, std::size_t count);
 
-/// Loops on four lines at once; only where the processor has the vectors for it. By ETubeLoop.
-[[nodiscard]] std::span<const FTubeKernel> quadTubeKernels();
+/// Loops on four and on eight lines at once, in the order of the others; only where the processor has the vectors.
+[[nodiscard]] CWideKernels<FTubeKernel> wideTubeKernels();
 
 } // namespace qrb

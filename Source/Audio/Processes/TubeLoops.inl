@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The loops of the saturator for one vector width. Included inside a namespace that defines kLanes, Lanes, magnitude,
-// withSignOf and isAny; all widths give the same bits.
+// The loops of the saturator for one vector width. Included inside a namespace that has the lanes; all widths give the
+// same bits.
 
 /// The lines' view of a term.
 struct CLaneTerm {
@@ -15,38 +15,42 @@ template <bool kIsFeedback>
 struct CLaneTube {
     explicit CLaneTube(const CTubeLine* lines)
     {
-        for (std::size_t i = 0; i < kLanes; ++i) {
-            const CTube& tube = *lines[i].tube;
-            const CTubeState& state = *lines[i].state;
-            const double atOnce = kIsFeedback ? 1.0 : (1.0 - tube.blocker) * (1.0 - tube.blocker);
-            set(gain, i, tube.gain, 1.0);
-            set(centre, i, tube.centre, 1.0);
-            set(knee, i, tube.knee, 1.0);
-            set(reach, i, tube.reach, 1.0);
-            set(norm, i, tube.norm, atOnce);
-            blocker[i] = tube.blocker;
-            passed[i] = 1.0 - tube.blocker;
-            feed[i] = tube.blocker / (1.0 - tube.blocker);
-            lowPass[i] = tube.lowPass;
-            a1[i] = tube.filterA1;
-            a2[i] = tube.filterA2;
-            b0[i] = tube.filterLast;
-            b1[i] = tube.filterB1;
-            b2[i] = tube.filterB2;
-            morphBias[i] = tube.morphBias;
-            s1[i] = state.blocker1;
-            s2[i] = state.blocker2;
-            l[i] = state.lowPass;
-            w1[i] = state.filter1;
-            w2[i] = state.filter2;
-            last[i] = state.last;
-        }
-    }
-
-    static void set(CLaneTerm& lanes, std::size_t i, const CTubeTerm& term, double scale)
-    {
-        lanes.middle[i] = term.middle * scale;
-        lanes.span[i] = term.span * scale;
+        const auto atOnce = [lines](std::size_t i) {
+            const double passes = 1.0 - lines[i].tube->blocker;
+            return kIsFeedback ? 1.0 : passes * passes;
+        };
+        const auto takeTerm = [lines](CTubeTerm CTube::*term, auto scale) {
+            return CLaneTerm{lanesOf([=](std::size_t i) { return (lines[i].tube->*term).middle * scale(i); }),
+                             lanesOf([=](std::size_t i) { return (lines[i].tube->*term).span * scale(i); })};
+        };
+        const auto plain = [](std::size_t) { return 1.0; };
+        const auto take = [lines](double CTube::*member) {
+            return lanesOf([=](std::size_t i) { return lines[i].tube->*member; });
+        };
+        const auto takeState = [lines](double CTubeState::*member) {
+            return lanesOf([=](std::size_t i) { return lines[i].state->*member; });
+        };
+        gain = takeTerm(&CTube::gain, plain);
+        centre = takeTerm(&CTube::centre, plain);
+        knee = takeTerm(&CTube::knee, plain);
+        reach = takeTerm(&CTube::reach, plain);
+        norm = takeTerm(&CTube::norm, atOnce);
+        blocker = take(&CTube::blocker);
+        passed = 1.0 - blocker;
+        feed = blocker / passed;
+        lowPass = take(&CTube::lowPass);
+        a1 = take(&CTube::filterA1);
+        a2 = take(&CTube::filterA2);
+        b0 = take(&CTube::filterLast);
+        b1 = take(&CTube::filterB1);
+        b2 = take(&CTube::filterB2);
+        morphBias = take(&CTube::morphBias);
+        s1 = takeState(&CTubeState::blocker1);
+        s2 = takeState(&CTubeState::blocker2);
+        l = takeState(&CTubeState::lowPass);
+        w1 = takeState(&CTubeState::filter1);
+        w2 = takeState(&CTubeState::filter2);
+        last = takeState(&CTubeState::last);
     }
 
     CLaneTerm gain, centre, knee, reach, norm;
@@ -77,7 +81,7 @@ struct CLaneTube {
     const Lanes over2 = over * over;
     const Lanes below = (reach * (reach + over)) * (reach2 + over2) + over2 * over2 * (2.0 / 3.0);
     const Lanes bent = (knee + reach) - reach2 * reach2 * reach / below;
-    return isBent ? withSignOf(bent, x) : x;
+    return select(isBent, withSignOf(bent, x), x);
 }
 
 /// Each output waits for the one before it. So whatever does not is taken off that way: a sum with the morph in it is
@@ -93,9 +97,7 @@ void saturate(const CTubeLine* lines, std::size_t count)
     Lanes w2 = c.w2;
     Lanes last = c.last;
     for (std::size_t i = 0; i < count; ++i) {
-        Lanes x;
-        for (std::size_t lane = 0; lane < kLanes; ++lane)
-            x[lane] = lines[lane].in[i];
+        const Lanes x = lanesOf([=](std::size_t lane) { return lines[lane].in[i]; });
         l = l + (x - l) * c.lowPass;
         const Lanes driven = kIsFeedback ? l - s1 : l;
 
@@ -119,13 +121,17 @@ void saturate(const CTubeLine* lines, std::size_t count)
             s2 = held + scaled * c.feed;
         }
         const Lanes out = kIsMonitor ? morph + 0.5 : last;
-        for (std::size_t lane = 0; lane < kLanes; ++lane)
-            lines[lane].out[i] = out[lane];
+        eachLane(out, [=](std::size_t lane, double sample) { lines[lane].out[i] = sample; });
     }
-    for (std::size_t i = kLanes; i > 0; --i) {
-        const std::size_t lane = i - 1;
-        *lines[lane].state = {s1[lane], s2[lane], l[lane], w1[lane], w2[lane], last[lane]};
-    }
+    const auto keep = [lines](double CTubeState::*member, Lanes values) {
+        eachLane(values, [=](std::size_t i, double value) { lines[i].state->*member = value; });
+    };
+    keep(&CTubeState::blocker1, s1);
+    keep(&CTubeState::blocker2, s2);
+    keep(&CTubeState::lowPass, l);
+    keep(&CTubeState::filter1, w1);
+    keep(&CTubeState::filter2, w2);
+    keep(&CTubeState::last, last);
 }
 
 constexpr FTubeKernel kKernels[] = {saturate<false, false>, saturate<false, true>, saturate<true, false>,

@@ -14,36 +14,27 @@ namespace {
 
 namespace quads {
 
-constexpr std::size_t kLanes = 4;
-using Lanes = double __attribute__((vector_size(32)));
-
-[[gnu::always_inline]] inline Lanes magnitude(Lanes x)
-{
-    return _mm256_andnot_pd(_mm256_set1_pd(-0.0), x);
-}
-
-[[gnu::always_inline]] inline Lanes withSignOf(Lanes x, Lanes sign)
-{
-    return _mm256_or_pd(x, _mm256_and_pd(_mm256_set1_pd(-0.0), sign));
-}
-
-template <typename Mask>
-[[gnu::always_inline]] inline bool isAny(Mask mask)
-{
-    return _mm256_movemask_pd(reinterpret_cast<Lanes>(mask)) != 0;
-}
+#include "Audio/Processes/LaneQuads.inl"
 
 #include "Audio/Processes/TubeLoops.inl"
 
 } // namespace quads
 
+namespace octets {
+
+#include "Audio/Processes/LaneOctets.inl"
+
+#include "Audio/Processes/TubeLoops.inl"
+
+} // namespace octets
+
 #pragma GCC pop_options
 
 } // namespace
 
-std::span<const FTubeKernel> quadTubeKernels()
+CWideKernels<FTubeKernel> wideTubeKernels()
 {
-    return quads::kKernels;
+    return {quads::kKernels, octets::kKernels};
 }
 
 } // namespace qrb
