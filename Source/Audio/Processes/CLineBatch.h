@@ -33,7 +33,7 @@ private:
     }
 
     F m_run;
-    std::array<T, 32> m_lines;
+    std::array<T, 16> m_lines;
     std::size_t m_count = 0;
 };
 

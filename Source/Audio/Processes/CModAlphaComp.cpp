@@ -23,8 +23,16 @@ void CModAlphaCompModule::update()
 void CModAlphaCompModule::process()
 {
     const auto length = static_cast<std::size_t>(blockLength());
-    for (int i = 0; i < outputCount(); ++i)
-        m_run(m_curve, m_thresholdSum, input(0, i), writeOutput(i), length);
+    for (int i = 0; i < outputCount(); ++i) {
+        // Linked lines have one level, so one gain.
+        int twin = 0;
+        while (input(0, twin) != input(0, i))
+            ++twin;
+        if (twin < i)
+            setOutput(i, output(twin));
+        else
+            m_run(m_curve, m_thresholdSum, input(0, i), writeOutput(i), length);
+    }
 }
 
 } // namespace qrb

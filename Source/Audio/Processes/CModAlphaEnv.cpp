@@ -47,6 +47,11 @@ void CModAlphaEnvModule::update()
     }
 }
 
+EFollowerLoop CModAlphaEnvModule::loopOf(int line) const
+{
+    return followerLoop(m_settings, input(1, line) != nullptr);
+}
+
 void CModAlphaEnvModule::process()
 {
     CAudioModule* const self = this;
@@ -55,17 +60,24 @@ void CModAlphaEnvModule::process()
 
 void CModAlphaEnvModule::processTogether(std::span<CAudioModule* const> modules)
 {
+    std::uint32_t used = 0;
+    for (const CAudioModule* const module : modules) {
+        const auto& mate = static_cast<const CModAlphaEnvModule&>(*module);
+        for (int i = 0; i < mate.outputCount(); ++i)
+            used |= 1u << static_cast<unsigned>(mate.loopOf(i));
+    }
     for (std::size_t loop = 0; loop < kFollowerLoops; ++loop) {
+        if ((used >> loop & 1u) == 0)
+            continue;
         auto batch = makeLineBatch<CFollowerLine>([&](std::span<const CFollowerLine> lines) {
             runFollowers(static_cast<EFollowerLoop>(loop), lines, static_cast<std::size_t>(blockLength()));
         });
         for (CAudioModule* const module : modules) {
             auto& mate = static_cast<CModAlphaEnvModule&>(*module);
             for (int i = 0; i < mate.outputCount(); ++i) {
-                const double* const opening = mate.input(1, i);
-                if (followerLoop(mate.m_settings, opening != nullptr) == static_cast<EFollowerLoop>(loop)) {
-                    batch.add({&mate.m_follower, &mate.m_states[static_cast<std::size_t>(i)], mate.input(0, i), opening,
-                               mate.writeOutput(i)});
+                if (mate.loopOf(i) == static_cast<EFollowerLoop>(loop)) {
+                    batch.add({&mate.m_follower, &mate.m_states[static_cast<std::size_t>(i)], mate.input(0, i),
+                               mate.input(1, i), mate.writeOutput(i)});
                 }
             }
         }

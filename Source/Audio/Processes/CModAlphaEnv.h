@@ -22,6 +22,7 @@ public:
 
 private:
     [[nodiscard]] EFollowerMode mode(const CAudioParamSlot& slot) const;
+    [[nodiscard]] EFollowerLoop loopOf(int line) const;
 
     CAudioParamSlot m_attackSlot;
     CAudioParamSlot m_releaseSlot;

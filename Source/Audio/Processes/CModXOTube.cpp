@@ -123,7 +123,12 @@ void CModXOTubeModule::process()
 
 void CModXOTubeModule::processTogether(std::span<CAudioModule* const> modules)
 {
+    std::uint32_t used = 0;
+    for (const CAudioModule* const module : modules)
+        used |= 1u << static_cast<unsigned>(static_cast<const CModXOTubeModule&>(*module).m_loop);
     for (std::size_t loop = 0; loop < kTubeLoops; ++loop) {
+        if ((used >> loop & 1u) == 0)
+            continue;
         auto batch = makeLineBatch<CTubeLine>([&](std::span<const CTubeLine> lines) {
             runTubes(static_cast<ETubeLoop>(loop), lines, static_cast<std::size_t>(blockLength()));
         });
