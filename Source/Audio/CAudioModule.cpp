@@ -21,6 +21,11 @@ void CAudioModule::processTogether(std::span<CAudioModule* const> modules)
     }
 }
 
+bool CAudioModule::processInSeries(std::span<CAudioModule* const>)
+{
+    return false;
+}
+
 CSampleBufferPool& CAudioModule::pool() const
 {
     return m_node->pool();

@@ -48,6 +48,13 @@ public:
     /// matter of this.
     [[nodiscard]] virtual bool takesForm(ESampleForm form) const { return form == ESampleForm::whole; }
 
+    /// The module's kind has a processInSeries() of its own.
+    [[nodiscard]] virtual bool canRunInSeries() const { return false; }
+    /// Runs the block for modules of this one's class of which each gets just what the one before it makes, this one
+    /// first; the last one is left as if each had run by itself, the others without output. False, with nothing done,
+    /// where that does not suit the block.
+    [[nodiscard]] virtual bool processInSeries(std::span<CAudioModule* const> modules);
+
     /// Samples this module adds to the latency of its input. 0 unless update() sets another.
     [[nodiscard]] int latency() const { return m_latency; }
 

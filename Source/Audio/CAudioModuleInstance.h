@@ -52,7 +52,8 @@ public:
     /// Runs a block and leaves the outputs in outputs().
     void process(int blockLength, int fadeLength);
     [[nodiscard]] bool canRunTogether() const { return m_active->canRunTogether(); }
-    /// The module, ready for CAudioModule::processTogether(); endTogether() then does the rest of process(). Not while
+    [[nodiscard]] bool canRunInSeries() const { return m_active->canRunInSeries(); }
+    /// The module, ready for CAudioModule::processTogether() or processInSeries(); endTogether() then does the rest of process(). Not while
     /// it fades.
     [[nodiscard]] CAudioModule& beginTogether(int blockLength);
     void endTogether();

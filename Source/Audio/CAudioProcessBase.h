@@ -68,6 +68,7 @@ public:
 
     [[nodiscard]] CAudioLineSink& input() { return m_input; }
     [[nodiscard]] CAudioLineSource& output() { return m_output; }
+    [[nodiscard]] const CAudioLineSource& output() const { return m_output; }
 
     /// The first part of processPlanned(): gathers the input buffers.
     void runPlannedInputStep();

@@ -35,21 +35,21 @@ void CAudioProcessPlan::process(CAudioLineSource& source, CAudioProcessBase& roo
 void CAudioProcessPlan::clear()
 {
     m_nodes.clear();
-    m_groups.clear();
+    m_steps.clear();
     m_changes.isPlanned = false;
 }
 
-void CAudioProcessPlan::addGroup(std::span<CAudioProcessBase* const> nodes)
+void CAudioProcessPlan::addStep(std::span<CAudioProcessBase* const> nodes, EStep kind)
 {
     m_nodes.appendAll(nodes);
-    m_groups.append(nodes.size());
+    m_steps.append({nodes.size(), kind});
 }
 
-std::size_t CAudioProcessPlan::jointCount() const
+std::size_t CAudioProcessPlan::countNodes(EStep kind) const
 {
     std::size_t count = 0;
-    for (const std::size_t size : m_groups) {
-        count += size > 1 ? size : 0;
+    for (const CStep& step : m_steps) {
+        count += step.nodeCount > 1 && step.kind == kind ? step.nodeCount : 0;
     }
     return count;
 }
@@ -57,13 +57,15 @@ std::size_t CAudioProcessPlan::jointCount() const
 void CAudioProcessPlan::run()
 {
     std::span<CAudioProcessBase* const> left = m_nodes.span();
-    for (const std::size_t size : m_groups) {
-        const auto group = left.first(size);
-        left = left.subspan(size);
-        if (size == 1) {
-            group[0]->processPlanned();
+    for (const CStep& step : m_steps) {
+        const auto nodes = left.first(step.nodeCount);
+        left = left.subspan(step.nodeCount);
+        if (nodes.size() == 1) {
+            nodes[0]->processPlanned();
+        } else if (step.kind == EStep::inSeries) {
+            CAudioProcessTerminalBase::processInSeries(nodes);
         } else {
-            CAudioProcessTerminalBase::processTogether(group);
+            CAudioProcessTerminalBase::processTogether(nodes);
         }
     }
 }

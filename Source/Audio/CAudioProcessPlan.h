@@ -33,19 +33,29 @@ public:
     void clear();
     /// Off: each block runs through the graph. For comparisons.
     void setEnabled(bool isEnabled) { m_isEnabled = isEnabled; }
-    /// Adds nodes of one definition that run together, or a single one.
-    void addGroup(std::span<CAudioProcessBase* const> nodes);
+    /// How the nodes of a step run.
+    enum class EStep { together, inSeries };
+    /// Adds nodes of one definition that run in one go, or a single one.
+    void addStep(std::span<CAudioProcessBase* const> nodes, EStep kind);
 
     [[nodiscard]] bool isMade() const { return !m_nodes.empty(); }
     /// Nodes that run together with others.
-    [[nodiscard]] std::size_t jointCount() const;
+    [[nodiscard]] std::size_t jointCount() const { return countNodes(EStep::together); }
+    /// Nodes that run in series with others.
+    [[nodiscard]] std::size_t seriesCount() const { return countNodes(EStep::inSeries); }
 
 private:
+    struct CStep {
+        std::size_t nodeCount;
+        EStep kind;
+    };
+
     void run();
+    [[nodiscard]] std::size_t countNodes(EStep kind) const;
 
     CAudioGraphChanges& m_changes;
     CArray<CAudioProcessBase*> m_nodes; ///< in the order they run
-    CArray<std::size_t> m_groups;       ///< how many of them each step takes
+    CArray<CStep> m_steps;              ///< what each step takes of them
     std::uint32_t m_structure = 0;
     std::uint32_t m_requests = 0;
     std::uint32_t m_paramChanges = 0;

@@ -144,8 +144,27 @@ void CAudioProcessPlanner::followInto(CAudioProcessConnection& connection, int l
     }
 }
 
+bool CAudioProcessPlanner::isInSeries(std::size_t step, std::size_t next) const
+{
+    auto* before = dynamic_cast<CAudioProcessTerminalBase*>(m_steps[step].node);
+    auto* behind = dynamic_cast<CAudioProcessTerminalBase*>(m_steps[next].node);
+    const auto& followers = m_steps[step].followers;
+    return before != nullptr && behind != nullptr && &before->definition() == &behind->definition() &&
+           before->canRunInSeries() && behind->canRunInSeries() && behind->isFedBy(*before) &&
+           followers.size() == behind->lines().size() &&
+           std::ranges::all_of(followers, [next](std::size_t follower) { return follower == next; });
+}
+
 void CAudioProcessPlanner::order(CAudioProcessPlan& plan)
 {
+    CArray<CAudioProcessBase*, 8> series; // of the steps before
+    std::size_t last = kNone;
+    const auto addSeries = [&] {
+        if (!series.empty()) {
+            plan.addStep(series.span(), CAudioProcessPlan::EStep::inSeries);
+        }
+        series.clear();
+    };
     struct CKind {
         std::size_t left = 0;
         std::size_t ready = 0;
@@ -187,7 +206,15 @@ void CAudioProcessPlanner::order(CAudioProcessPlan& plan)
             --kindOf(step).ready;
             nodes.append(m_steps[step].node);
         }
-        plan.addGroup(nodes.span());
+        if (last == kNone || nodes.size() > 1 || !isInSeries(last, first)) {
+            addSeries();
+        }
+        last = nodes.size() > 1 ? kNone : first;
+        if (nodes.size() > 1) {
+            plan.addStep(nodes.span(), CAudioProcessPlan::EStep::together);
+        } else {
+            series.append(nodes[0]);
+        }
         for (const std::size_t step : group) {
             for (const std::size_t follower : m_steps[step].followers) {
                 if (--m_steps[follower].waitsFor == 0) {
@@ -196,6 +223,7 @@ void CAudioProcessPlanner::order(CAudioProcessPlan& plan)
             }
         }
     }
+    addSeries();
 }
 
 } // namespace qrb

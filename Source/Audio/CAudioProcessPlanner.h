@@ -44,6 +44,8 @@ private:
     void follow(CAudioLineSource& source, int index, int firstIndex, CArray<CAudioLineRoute, 8>& routes);
     void followInto(CAudioProcessConnection& connection, int line, int firstIndex, CArray<CAudioLineRoute, 8>& routes);
     void order(CAudioProcessPlan& plan);
+    /// Whether a step gets all its lines from the other one, which feeds nothing else and has the same definition.
+    [[nodiscard]] bool isInSeries(std::size_t step, std::size_t next) const;
 
     CAudioGraphChanges& m_changes;
     CArray<CStep> m_steps;

@@ -3,6 +3,7 @@
 
 #include "Audio/CAudioParamReader.h"
 #include "Audio/CAudioParamStorage.h"
+#include "Audio/CAudioProcessConnection.h"
 #include "Audio/CAudioProcessDefBase.h"
 #include "Core/CNumberText.h"
 
@@ -195,6 +196,71 @@ void CAudioProcessTerminalBase::processTogether(std::span<CAudioProcessBase* con
         }
         node->releaseInputs();
     }
+}
+
+bool CAudioProcessTerminalBase::canRunInSeries() const
+{
+    return m_instances.size() == 1 && m_instances[0]->canRunInSeries();
+}
+
+bool CAudioProcessTerminalBase::isFedBy(const CAudioProcessTerminalBase& other)
+{
+    for (int port = 1; port < portCount(); ++port) {
+        if (!lines(port).empty()) {
+            return false;
+        }
+    }
+    const std::span<CAudioLine> own = lines();
+    for (std::size_t i = 0; i < own.size(); ++i) {
+        if (own[i].sources.size() != 1) {
+            return false;
+        }
+        const CAudioLine::CSource& source = own[i].sources[0];
+        const auto& from = source.connection->lines()[static_cast<std::size_t>(source.index)];
+        if (&source.connection->source() != &other.output() || from.delay != nullptr ||
+            from.sourceIndex != static_cast<int>(i)) {
+            return false;
+        }
+    }
+    return !own.empty() && own.size() == other.output().lines().size();
+}
+
+void CAudioProcessTerminalBase::processInSeries(std::span<CAudioProcessBase* const> nodes)
+{
+    auto& first = static_cast<CAudioProcessTerminalBase&>(*nodes[0]);
+    first.runPlannedInputStep();
+    if (first.blockLength() > 0 && runInSeries(nodes)) {
+        first.releaseInputs();
+        return;
+    }
+    first.processLines();
+    first.releaseInputs();
+    for (CAudioProcessBase* const node : nodes.subspan(1)) {
+        node->processPlanned();
+    }
+}
+
+bool CAudioProcessTerminalBase::runInSeries(std::span<CAudioProcessBase* const> nodes)
+{
+    CArray<CAudioModule*, 32> modules;
+    for (CAudioProcessBase* const node : nodes) {
+        CAudioModuleInstance& instance = *static_cast<CAudioProcessTerminalBase*>(node)->m_instances[0];
+        if (instance.isFading()) {
+            return false;
+        }
+        modules.append(&instance.beginTogether(nodes[0]->blockLength()));
+    }
+    if (!modules[0]->processInSeries(modules.span())) {
+        return false;
+    }
+    auto& last = static_cast<CAudioProcessTerminalBase&>(*nodes.back());
+    CAudioModuleInstance& instance = *last.m_instances[0];
+    instance.endTogether();
+    for (std::size_t i = 0; i < instance.outputs().size(); ++i) {
+        last.output().send(static_cast<int>(i), instance.outputs()[i], nodes[0]->blockLength());
+    }
+    instance.releaseOutputs();
+    return true;
 }
 
 } // namespace qrb

@@ -25,6 +25,12 @@ public:
     [[nodiscard]] bool canRunTogether() const;
     /// Runs one block of a plan for several terminals of one definition that do not wait for each other.
     static void processTogether(std::span<CAudioProcessBase* const> nodes);
+    /// Its modules' kind runs in series with others of its kind.
+    [[nodiscard]] bool canRunInSeries() const;
+    /// Whether this terminal's lines are just those that another one sends, in the same order.
+    [[nodiscard]] bool isFedBy(const CAudioProcessTerminalBase& other);
+    /// Runs one block of a plan for terminals of one definition of which each feeds the next one alone.
+    static void processInSeries(std::span<CAudioProcessBase* const> nodes);
 
     /// Samples of a module crossfade.
     [[nodiscard]] int fadeLength() const { return m_fadeLength; }
@@ -36,6 +42,7 @@ protected:
     [[nodiscard]] bool takesForm(ESampleForm form) const override;
 
 private:
+    [[nodiscard]] static bool runInSeries(std::span<CAudioProcessBase* const> nodes);
     void sendOutputs(CAudioModuleInstance& instance, int& line);
     void configureInstances();
     void touchChangedParams();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/CSampleBufferPool.h"
 
+#include "Audio/Processes/RateMath.h"
 #include "Core/CQrbMemAllocator.h"
 
 #include <algorithm>
@@ -95,11 +96,15 @@ CSampleBuffer CSampleBufferPool::getWhole(const CSampleBuffer& buffer, int sampl
         return buffer;
     }
     CSampleBuffer whole = get(sampleCount);
-    const double scale = buffer.form() == ESampleForm::stuffed ? 2.0 : 1.0;
+    const auto half = static_cast<std::size_t>(sampleCount / 2);
     const double* in = buffer.data();
     double* out = whole.data();
-    for (int i = 0; i < sampleCount / 2; ++i) {
-        out[2 * i] = scale * in[i];
+    if (buffer.form() == ESampleForm::stuffed) {
+        stuffZeros({in, half}, {out, 2 * half});
+        return whole;
+    }
+    for (std::size_t i = 0; i < half; ++i) {
+        out[2 * i] = in[i];
         out[2 * i + 1] = 0.0;
     }
     return whole;

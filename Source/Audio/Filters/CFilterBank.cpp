@@ -13,6 +13,8 @@ namespace qrb {
 namespace {
 
 constexpr std::size_t kStateAlignment = 16;
+/// States that wait without memory being asked for; a single stage may have more.
+constexpr std::size_t kSeriesRoom = 128;
 
 /// The kind that runs a designed stage; null for taps.
 const CDCDAWFilterKind* kindOf(const CAudioFilterStage& stage)
@@ -89,7 +91,6 @@ void CFilterBank::apply(const CAudioFilterStageList& list, double sampleRate)
     }
     while (m_stages.size() > place)
         m_stages.removeLast();
-    m_series.resize(m_stages.size() * m_lineCount);
 }
 
 void CFilterBank::reset()
@@ -100,23 +101,44 @@ void CFilterBank::reset()
 
 void CFilterBank::run(const double* const* in, double* const* out, std::size_t length)
 {
+    CFilterBank* const banks[] = {this};
+    runInSeries(banks, in, out, length);
+}
+
+void CFilterBank::runInSeries(std::span<CFilterBank* const> banks, const double* const* in, double* const* out,
+                              std::size_t length)
+{
+    const std::size_t lineCount = banks[0]->m_lineCount;
     const double* const* source = in;
-    for (std::size_t first = 0; first < m_stages.size();) {
-        const CStage& stage = m_stages[first];
-        std::size_t end = first + 1;
-        if (stage.isFading()) {
-            stage.runAlone(source, out, length);
-        } else {
-            while (end < m_stages.size() && m_stages[end].kind->id == stage.kind->id && !m_stages[end].isFading())
-                ++end;
-            void** next = m_series.data();
-            for (std::size_t k = first; k < end; ++k)
-                next = std::copy(m_stages[k].states.begin(), m_stages[k].states.end(), next);
-            runFilterSeries(*stage.kind, m_series.data(), end - first, m_lineCount, source, out, length);
-        }
-        first = end;
+    CArray<void*, kSeriesRoom> waiting; // states of stages of one kind, none of them fading
+    const CDCDAWFilterKind* kind = nullptr;
+    const auto runWaiting = [&] {
+        if (waiting.empty())
+            return;
+        runFilterSeries(*kind, waiting.data(), waiting.size() / lineCount, lineCount, source, out, length);
         source = out;
+        waiting.clear();
+    };
+    for (const CFilterBank* bank : banks) {
+        for (const CStage& stage : bank->m_stages) {
+            const bool isFading = stage.isFading();
+            if (isFading || stage.kind != kind || waiting.size() + lineCount > kSeriesRoom)
+                runWaiting();
+            kind = stage.kind;
+            if (isFading) {
+                stage.runAlone(source, out, length);
+                source = out;
+            } else {
+                waiting.appendAll(stage.states.span());
+            }
+        }
     }
+    runWaiting();
+}
+
+bool CFilterBank::hasHalfBands() const
+{
+    return std::ranges::any_of(m_stages, [](const CStage& stage) { return stage.halfBandSize() > 0; });
 }
 
 bool CFilterBank::canRunUp() const

@@ -4,6 +4,7 @@
 #include "Audio/Filters/CAudioFilterStageList.h"
 
 #include <cstddef>
+#include <span>
 
 namespace qrb {
 
@@ -25,6 +26,12 @@ public:
     /// One buffer a line; outputs may be the inputs. Not for an empty bank.
     void run(const double* const* in, double* const* out, std::size_t length);
 
+    /// The same for several banks of as many lines, one behind the other; their stages may then run in one pass. Empty
+    /// ones are left out; not all are.
+    static void runInSeries(std::span<CFilterBank* const> banks, const double* const* in, double* const* out,
+                            std::size_t length);
+
+    [[nodiscard]] bool hasHalfBands() const;
     /// Whether runUp() would go on from what ran before.
     [[nodiscard]] bool canRunUp() const;
     /// The same as run() on `steps` samples of which each comes doubled and with a zero behind it; makes twice as many.
@@ -55,7 +62,6 @@ private:
     };
 
     CArray<CStage, 2> m_stages;
-    CArray<void*, 16> m_series; ///< states of the stages that run together
     std::size_t m_lineCount = 1;
 };
 

@@ -156,4 +156,33 @@ void CModFilterIIRModule::process()
         buffer.clear();
 }
 
+bool CModFilterIIRModule::processInSeries(std::span<CAudioModule* const> modules)
+{
+    CArray<CFilterBank*, 32> banks;
+    for (CAudioModule* const module : modules) {
+        auto& filter = static_cast<CModFilterIIRModule&>(*module);
+        if (filter.m_bank.hasHalfBands() || filter.outputCount() != outputCount())
+            return false;
+        if (!filter.m_bank.empty())
+            banks.append(&filter.m_bank);
+    }
+    auto& last = static_cast<CModFilterIIRModule&>(*modules.back());
+    for (int i = 0; i < outputCount(); ++i) {
+        const auto place = static_cast<std::size_t>(i);
+        if (banks.empty()) {
+            last.setOutput(i, line(0, i)->buffer);
+            continue;
+        }
+        m_taken[place] = pool().getWhole(line(0, i)->buffer, blockLength());
+        m_inputs[place] = std::as_const(m_taken[place]).data();
+        m_buffers[place] = last.writeOutput(i);
+    }
+    if (!banks.empty())
+        CFilterBank::runInSeries(banks.span(), m_inputs.data(), m_buffers.data(),
+                                 static_cast<std::size_t>(blockLength()));
+    for (CSampleBuffer& buffer : m_taken)
+        buffer.clear();
+    return true;
+}
+
 } // namespace qrb

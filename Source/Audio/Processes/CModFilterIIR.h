@@ -24,6 +24,8 @@ public:
     void reset() override;
     void update() override;
     void process() override;
+    [[nodiscard]] bool canRunInSeries() const override { return true; }
+    [[nodiscard]] bool processInSeries(std::span<CAudioModule* const> modules) override;
     [[nodiscard]] bool takesForm(ESampleForm form) const override;
 
 private:
