@@ -32,7 +32,7 @@ struct CAudioBandFilterDefs {
 /// parameters at element `b`. What comes out is the bands' lines side by side; the consumer sums and aligns them.
 class CAudioProcessMB : public CAudioProcessComposite {
 public:
-    static constexpr int kMaxBands = 33;
+    static constexpr int kMaxBands = 32;
 
     using FVisit = std::function<void(const CAudioInnerProcess&, EExpansion)>;
 
