@@ -122,22 +122,6 @@ double amplitude(const CSignal& samples, double frequency, double sampleRate, st
 
 } // namespace
 
-TEST(CModResampler, LinearPhaseSinesComeBack)
-{
-    for (const int mode : {2, 3, 4}) {
-        for (const double frequency : {30.0, 1000.0, 15000.0, 19000.0}) {
-            CResampleRig rig(kUp + kDown, mode, true);
-            rig.input = sine(frequency, kRate);
-            const CSignal out = rig.run(6000, 512).at(0);
-            const int latency = rig.latency();
-            const double tolerance = frequency <= 15000.0 ? 1e-7 : mode == 2 ? 2e-7 : 1.2e-5;
-            for (int n = 3000; n < 6000; ++n)
-                ASSERT_NEAR(out[static_cast<std::size_t>(n)], rig.input(0, n - latency), tolerance)
-                    << frequency << " Hz, mode " << mode;
-        }
-    }
-}
-
 TEST(CModResampler, ImagesAndAliasesAreBelowHearing)
 {
     constexpr double kTone = 19000.0;
