@@ -141,6 +141,40 @@ bool CFilterBank::hasHalfBands() const
     return std::ranges::any_of(m_stages, [](const CStage& stage) { return stage.halfBandSize() > 0; });
 }
 
+bool CFilterBank::canRunWith(const CFilterBank& other) const
+{
+    if (m_stages.empty() || m_stages.size() > kMaxTogetherStages || m_stages.size() != other.m_stages.size())
+        return false;
+    for (std::size_t k = 0; k < m_stages.size(); ++k) {
+        const CStage& stage = m_stages[k];
+        if (stage.isFading() || stage.halfBandSize() > 0 || stage.kind->id != other.m_stages[k].kind->id)
+            return false;
+    }
+    return true;
+}
+
+void CFilterBank::runTogether(std::span<CFilterBank* const> banks, const double* const* in, double* const* out,
+                              std::size_t length)
+{
+    const CArray<CStage, 2>& stages = banks[0]->m_stages;
+    const double* const* source = in;
+    for (std::size_t first = 0; first < stages.size(); source = out) {
+        void* states[kMaxTogetherStages * kMaxTogetherLines];
+        void** next = states;
+        std::size_t lines = 0;
+        std::size_t end = first;
+        for (; end < stages.size() && stages[end].kind->id == stages[first].kind->id; ++end) {
+            lines = 0;
+            for (const CFilterBank* bank : banks) {
+                next = std::copy(bank->m_stages[end].states.begin(), bank->m_stages[end].states.end(), next);
+                lines += bank->m_lineCount;
+            }
+        }
+        runFilterSeries(*stages[first].kind, states, end - first, lines, source, out, length);
+        first = end;
+    }
+}
+
 bool CFilterBank::canRunUp() const
 {
     return m_stages.size() == 1 && m_stages[0].halfBandSize() > 0 &&

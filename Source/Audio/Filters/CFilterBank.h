@@ -32,6 +32,16 @@ public:
                             std::size_t length);
 
     [[nodiscard]] bool hasHalfBands() const;
+    /// Lines and stages that runTogether() takes at most.
+    static constexpr std::size_t kMaxTogetherLines = 16;
+    static constexpr std::size_t kMaxTogetherStages = 4;
+    [[nodiscard]] std::size_t lineCount() const { return m_lineCount; }
+    /// Whether runTogether() can run this bank beside the other: their stages are of the same kinds, and none fades.
+    [[nodiscard]] bool canRunWith(const CFilterBank& other) const;
+    /// The same as run() of each bank, with their lines one after the other.
+    static void runTogether(std::span<CFilterBank* const> banks, const double* const* in, double* const* out,
+                            std::size_t length);
+
     /// Whether runUp() would go on from what ran before.
     [[nodiscard]] bool canRunUp() const;
     /// The same as run() on `steps` samples of which each comes doubled and with a zero behind it; makes twice as many.

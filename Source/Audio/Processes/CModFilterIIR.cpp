@@ -127,6 +127,46 @@ bool CModFilterIIRModule::isThinned()
     return false;
 }
 
+bool CModFilterIIRModule::canRunWith(const CModFilterIIRModule& other) const
+{
+    if (!m_bank.canRunWith(other.m_bank) || m_bank.lineCount() > CFilterBank::kMaxTogetherLines)
+        return false;
+    for (int i = 0; i < outputCount(); ++i) {
+        if (line(0, i)->buffer.form() != ESampleForm::whole)
+            return false;
+    }
+    return true;
+}
+
+void CModFilterIIRModule::processTogether(std::span<CAudioModule* const> modules)
+{
+    CFilterBank* banks[CFilterBank::kMaxTogetherLines];
+    const double* inputs[CFilterBank::kMaxTogetherLines];
+    double* outputs[CFilterBank::kMaxTogetherLines];
+    std::size_t bankCount = 0;
+    std::size_t lines = 0;
+    const auto flush = [&] {
+        if (bankCount > 0)
+            CFilterBank::runTogether({banks, bankCount}, inputs, outputs, static_cast<std::size_t>(blockLength()));
+        bankCount = lines = 0;
+    };
+    for (CAudioModule* const module : modules) {
+        auto& mate = static_cast<CModFilterIIRModule&>(*module);
+        if (!mate.canRunWith(*this) || mate.isThinned()) {
+            mate.process();
+            continue;
+        }
+        if (lines + mate.m_bank.lineCount() > CFilterBank::kMaxTogetherLines)
+            flush();
+        banks[bankCount++] = &mate.m_bank;
+        for (int i = 0; i < mate.outputCount(); ++i) {
+            inputs[lines] = mate.input(0, i);
+            outputs[lines++] = mate.writeOutput(i);
+        }
+    }
+    flush();
+}
+
 void CModFilterIIRModule::process()
 {
     if (m_bank.empty()) {

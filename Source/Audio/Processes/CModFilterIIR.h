@@ -26,9 +26,12 @@ public:
     void process() override;
     [[nodiscard]] bool canRunInSeries() const override { return true; }
     [[nodiscard]] bool processInSeries(std::span<CAudioModule* const> modules) override;
+    [[nodiscard]] bool canRunTogether() const override { return !m_bank.empty(); }
+    void processTogether(std::span<CAudioModule* const> modules) override;
     [[nodiscard]] bool takesForm(ESampleForm form) const override;
 
 private:
+    [[nodiscard]] bool canRunWith(const CModFilterIIRModule& other) const;
     struct CNamedParam {
         CAudioParamSlot slot;
         std::size_t place = 0; ///< of its value in m_params
