@@ -47,8 +47,10 @@ void CAudioVizReader::add(std::int32_t kind, const CString& name, const CAudioVi
     if (found == m_queues.end() || record == nullptr)
         return;
     CArray<CAudioVizBlob>& records = found->second.records;
-    if (records.size() >= limit)
-        records.removeAt(0, records.size() - limit + 1);
+    const std::size_t most =
+        std::max<std::size_t>(limit, 1); // a source whose last writer has just gone has room for none
+    if (records.size() >= most)
+        records.removeAt(0, records.size() - most + 1);
     records.append(record);
 }
 

@@ -7,6 +7,7 @@
 #include "Audio/Viz/CAudioVizDataRGB.h"
 #include "Audio/Viz/CAudioVizDataSpectrum.h"
 #include "Audio/Viz/CAudioVizDataVScope.h"
+#include "Audio/Viz/CAudioVizReader.h"
 #include "Audio/Viz/CAudioVizWriter.h"
 #include "Core/CMemoryReaderStatic.h"
 #include "Core/CQrbMemAllocator.h"
@@ -267,6 +268,19 @@ TEST(CAudioVizData, RecordsSurviveAStreamAndRefuseDamage)
     CMemoryReaderStatic in(bytes.span());
     EXPECT_NE(errorText(spectrum.load(in)), "");
     EXPECT_EQ(spectrum.bins.size(), 3u);
+}
+
+TEST(CAudioVizReader, AQueueOfASourceWhoseWriterHasGoneKeepsTheLatest)
+{
+    CAudioVizReader reader;
+    reader.addListener(-1, "a");
+    for (int i = 0; i < 3; ++i)
+        reader.add(-1, "a", encodeVizData(CAudioVizDataMeter()), 0);
+    CWriteSeqBuffer out(64);
+    ASSERT_FALSE(reader.write(out));
+    CByteArray bytes;
+    out.getContiguous(bytes);
+    EXPECT_EQ(bytes[0], 1);
 }
 
 } // namespace
