@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/Filters/CFilterFIR.h"
 #include "Audio/Filters/PartitionSearch.h"
-#include "Platform/CRealFFTPool.h"
+#include "Platform/CBlockTransformPool.h"
+#include "Platform/CRealFFTPlan.h"
 
 #include <benchmark/benchmark.h>
 
@@ -29,9 +30,9 @@ void report(benchmark::State& state, std::size_t samples)
                                                      benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
-qrb::platform::CRealFFTPool& plans()
+qrb::platform::CBlockTransformPool& plans()
 {
-    static qrb::platform::CRealFFTPool pool;
+    static qrb::platform::CBlockTransformPool pool;
     return pool;
 }
 
@@ -71,25 +72,63 @@ void transformsAndProducts(benchmark::State& state)
     const qrb::CPartitionRuns runs = qrb::findPartitions(static_cast<std::size_t>(state.range(0)), kLog2Call - 4);
     const auto& kernels = qrb::convolverKernels();
     qrb::CAlignedSamples samples(kLength);
-    qrb::CAlignedSamples terms(kLength + 2);
+    // Half a page off: what is written at the page offset that is read next would be waited for.
+    constexpr std::size_t kOff = 256;
+    qrb::CAlignedSamples scratch(kLength + kOff);
+    double* const work = scratch.data() + kOff;
     std::vector<qrb::CAlignedSamples> spectra;
-    for (const qrb::CPartitionRun& run : runs)
-        spectra.emplace_back(4 * qrb::partitionBlock(run.level) * run.count);
+    for (const qrb::CPartitionRun& run : runs) {
+        for (int list = 0; list < 2; ++list)
+            spectra.emplace_back(2 * qrb::partitionBlock(run.level) * run.count + qrb::kSpectrumTile);
+    }
     for (auto _ : state) {
         for (std::size_t i = 0; i < runs.size(); ++i) {
             const std::size_t block = qrb::partitionBlock(runs[i].level);
             const qrb::CSpectrumShape shape{block / qrb::kSpectrumTileBins, runs[i].count};
-            const auto& plan = plans().plan(static_cast<unsigned>(std::countr_zero(2 * block)));
-            const double* history = spectra[i].data();
+            const auto& plan = plans().plan(static_cast<unsigned>(std::countr_zero(block)));
+            double* history = spectra[2 * i].data();
             for (std::size_t n = 0; n < kLength; n += block) {
-                plan.forward(samples.data(), terms.data());
-                kernels.sumProducts(shape, history, 0, history + 2 * block * shape.count, terms.data());
-                plan.inverse(terms.data(), samples.data());
+                kernels.transform(plan, samples.data(), samples.data() + block, work, history,
+                                  shape.count * qrb::kSpectrumTile);
+                kernels.sumProducts(shape, history, 0, spectra[2 * i + 1].data(), work, false);
+                kernels.transformBack(plan, work, samples.data());
                 benchmark::ClobberMemory();
             }
         }
     }
     report(state, kLength);
+}
+
+/// A block's way there and back.
+void blockTransforms(benchmark::State& state)
+{
+    const auto block = static_cast<std::size_t>(state.range(0));
+    const auto& kernels = qrb::convolverKernels();
+    const auto& plan = plans().plan(static_cast<unsigned>(std::countr_zero(block)));
+    qrb::CAlignedSamples samples(2 * block);
+    qrb::CAlignedSamples spectrum(2 * block);
+    for (auto _ : state) {
+        kernels.transform(plan, samples.data(), samples.data() + block, spectrum.data(), spectrum.data(),
+                          qrb::kSpectrumTile);
+        kernels.transformBack(plan, spectrum.data(), samples.data());
+        benchmark::ClobberMemory();
+    }
+    report(state, block);
+}
+
+/// The same by general transforms of real signals.
+void realTransforms(benchmark::State& state)
+{
+    const auto block = static_cast<std::size_t>(state.range(0));
+    const qrb::platform::CRealFFTPlan plan(static_cast<unsigned>(std::countr_zero(2 * block)));
+    qrb::CAlignedSamples samples(2 * block);
+    qrb::CAlignedSamples terms(2 * block + 2);
+    for (auto _ : state) {
+        plan.forward(samples.data(), terms.data());
+        plan.inverse(terms.data(), samples.data());
+        benchmark::ClobberMemory();
+    }
+    report(state, block);
 }
 
 /// Tap by tap, sample by sample.
@@ -110,6 +149,8 @@ void plainDotProducts(benchmark::State& state)
     report(state, kCall);
 }
 
+BENCHMARK(blockTransforms)->RangeMultiplier(2)->Range(16, 16384);
+BENCHMARK(realTransforms)->RangeMultiplier(2)->Range(16, 16384);
 BENCHMARK(transformsAndProducts)->Arg(300)->Arg(1024)->Arg(4096)->Arg(65536);
 BENCHMARK(convolver)->Arg(300)->Arg(1024)->Arg(4096)->Arg(65536);
 BENCHMARK(plainDotProducts)->Arg(39);

@@ -9,6 +9,7 @@
 #include "Core/CResourceStore.h"
 #include "Core/CTimerTable.h"
 #include "Core/CWorkerThreadPool.h"
+#include "Platform/CBlockTransformPool.h"
 #include "Platform/CRealFFTPool.h"
 #include "Platform/Clock.h"
 #include "Platform/Folders.h"
@@ -26,7 +27,8 @@ constinit std::atomic<CProcessState*> g_state{nullptr};
 CProcessState::CProcessState()
     : m_publication(*this), log(new CLog), ownFolders(new platform::CSystemFolders), folders(ownFolders.get()),
       clockBase(platform::clockSeconds()), notifyServers(new CNotifyServerRegistry), resources(new CResourceStore),
-      creators(new CCreatorTable), fftPlans(new platform::CRealFFTPool)
+      creators(new CCreatorTable), blockTransforms(new platform::CBlockTransformPool),
+      fftPlans(new platform::CRealFFTPool)
 {
     // From here on, since notifiers enter themselves in the state.
     notifiers = std::make_unique<CNotifierTable>();

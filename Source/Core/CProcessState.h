@@ -23,6 +23,7 @@ class CResourceStore;
 class CWorkerThreadPool;
 struct CTimerTable;
 namespace platform {
+class CBlockTransformPool;
 class CRealFFTPool;
 class IFolders;
 } // namespace platform
@@ -56,6 +57,7 @@ public:
     std::unique_ptr<CAppDataLocal> appDataLocal;
     std::unique_ptr<CTimerTable> timers;
     std::unique_ptr<CWorkerThreadPool> workers;
+    std::unique_ptr<platform::CBlockTransformPool> blockTransforms;
     std::unique_ptr<platform::CRealFFTPool> fftPlans;
     CObject* sharedObject = nullptr; ///< root of the shared tree; released by CApplication::finalize
 };

@@ -22,7 +22,7 @@ void CDirectHead::process(const double* in, double* out, std::size_t count, bool
         const std::size_t length = std::min(count, kPiece);
         double* newest = m_line.data() + reach;
         std::copy_n(in, length, newest);
-        m_kernels->convolve(m_taps.data(), m_taps.size(), newest, out, length, isAdded);
+        m_kernels->convolve(m_taps.span(), {newest}, out, length, isAdded);
         std::copy_n(m_line.data() + length, reach, m_line.data());
         in += length;
         out += length;

@@ -6,14 +6,14 @@
 
 namespace qrb {
 
-void CFilterFIR::setPartitioned(std::span<const double> taps, int log2Block, platform::CRealFFTPool& plans)
+void CFilterFIR::setPartitioned(std::span<const double> taps, int log2Block, platform::CBlockTransformPool& plans)
 {
     clear();
     if (!taps.empty())
         m_convolver.emplace(taps, log2Block, plans);
 }
 
-void CFilterFIR::setZeroLatency(std::span<const double> taps, platform::CRealFFTPool& plans)
+void CFilterFIR::setZeroLatency(std::span<const double> taps, platform::CBlockTransformPool& plans)
 {
     clear();
     const std::size_t headTaps = std::min(taps.size(), kHeadTaps);

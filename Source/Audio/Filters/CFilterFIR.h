@@ -20,9 +20,9 @@ public:
     CFilterFIR() = default;
 
     /// All taps in blocks of 1 << `log2Block`, by which the output is late. No tap: the signal passes. Allocates.
-    void setPartitioned(std::span<const double> taps, int log2Block, platform::CRealFFTPool& plans);
+    void setPartitioned(std::span<const double> taps, int log2Block, platform::CBlockTransformPool& plans);
     /// The first taps directly; not late at all. No tap: the signal passes. Allocates.
-    void setZeroLatency(std::span<const double> taps, platform::CRealFFTPool& plans);
+    void setZeroLatency(std::span<const double> taps, platform::CBlockTransformPool& plans);
     void clear();
     [[nodiscard]] bool empty() const { return !m_convolver && !m_head; }
 

@@ -9,7 +9,7 @@
 namespace qrb {
 
 namespace platform {
-class CRealFFTPool;
+class CBlockTransformPool;
 }
 
 /// Convolution with a long response in partitions that grow along it; late by its smallest block.
@@ -23,7 +23,7 @@ public:
 
     /// `taps` has at least one tap, `log2Block` is brought into the limits above, the pool outlives the convolver.
     /// Allocates.
-    CPartitionedConvolver(std::span<const double> taps, int log2Block, platform::CRealFFTPool& plans,
+    CPartitionedConvolver(std::span<const double> taps, int log2Block, platform::CBlockTransformPool& plans,
                           const CConvolverKernels& kernels = convolverKernels());
 
     /// Clears the signal: the next sample counts as what the input had always been.
@@ -33,7 +33,7 @@ public:
 
 private:
     CArray<CConvolverSegment, 1> m_segments;
-    CAlignedSamples m_terms;
+    CAlignedSamples m_work;
     bool m_isFirstBlock = true;
 };
 

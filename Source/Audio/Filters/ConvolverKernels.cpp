@@ -1,6 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/Filters/ConvolverKernels.h"
 
+#include "Platform/CBlockTransformPlan.h"
+
+#include <algorithm>
+#include <functional>
+#include <utility>
+
 namespace qrb {
 
 namespace {
@@ -10,11 +16,6 @@ namespace plain {
 constexpr std::size_t kLanes = 1;
 using Lanes = double;
 using Loose = double;
-
-[[gnu::always_inline]] inline double firstOf(Lanes word)
-{
-    return word;
-}
 
 [[gnu::always_inline]] inline void join(Lanes re, Lanes im, double* out)
 {
@@ -28,7 +29,58 @@ using Loose = double;
     im = in[1];
 }
 
+struct Quad {
+    double lane[4];
+};
+
+template <class Operation>
+[[gnu::always_inline]] inline Quad eachLane(const Quad& a, const Quad& b, Operation operation)
+{
+    return {{operation(a.lane[0], b.lane[0]), operation(a.lane[1], b.lane[1]), operation(a.lane[2], b.lane[2]),
+             operation(a.lane[3], b.lane[3])}};
+}
+
+[[gnu::always_inline]] inline Quad operator+(const Quad& a, const Quad& b)
+{
+    return eachLane(a, b, std::plus<>());
+}
+
+[[gnu::always_inline]] inline Quad operator-(const Quad& a, const Quad& b)
+{
+    return eachLane(a, b, std::minus<>());
+}
+
+[[gnu::always_inline]] inline Quad operator*(const Quad& a, const Quad& b)
+{
+    return eachLane(a, b, std::multiplies<>());
+}
+
+[[gnu::always_inline]] inline Quad spread(double value)
+{
+    return {{value, value, value, value}};
+}
+
+[[gnu::always_inline]] inline Quad loadQuad(const double* at)
+{
+    return {{at[0], at[1], at[2], at[3]}};
+}
+
+[[gnu::always_inline]] inline void storeQuad(double* at, const Quad& quad)
+{
+    std::copy_n(quad.lane, 4, at);
+}
+
+[[gnu::always_inline]] inline void transpose(Quad& a, Quad& b, Quad& c, Quad& d)
+{
+    Quad* const quads[] = {&a, &b, &c, &d};
+    for (std::size_t k = 0; k < 4; ++k)
+        for (std::size_t i = k + 1; i < 4; ++i)
+            std::swap(quads[k]->lane[i], quads[i]->lane[k]);
+}
+
 #include "Audio/Filters/ConvolverLoops.inl"
+// The convolver's spectra come from here.
+#include "Audio/Filters/BlockTransformLoops.inl"
 
 } // namespace plain
 
@@ -37,11 +89,6 @@ namespace pairs {
 constexpr std::size_t kLanes = 2;
 using Lanes = double __attribute__((vector_size(16), may_alias));
 using Loose = double __attribute__((vector_size(16), may_alias, aligned(8)));
-
-[[gnu::always_inline]] inline double firstOf(Lanes word)
-{
-    return word[0];
-}
 
 [[gnu::always_inline]] inline void join(Lanes re, Lanes im, double* out)
 {
@@ -57,7 +104,56 @@ using Loose = double __attribute__((vector_size(16), may_alias, aligned(8)));
     im = __builtin_shufflevector(first, second, 1, 3);
 }
 
+struct Quad {
+    Lanes low;
+    Lanes high;
+};
+
+[[gnu::always_inline]] inline Quad operator+(const Quad& a, const Quad& b)
+{
+    return {a.low + b.low, a.high + b.high};
+}
+
+[[gnu::always_inline]] inline Quad operator-(const Quad& a, const Quad& b)
+{
+    return {a.low - b.low, a.high - b.high};
+}
+
+[[gnu::always_inline]] inline Quad operator*(const Quad& a, const Quad& b)
+{
+    return {a.low * b.low, a.high * b.high};
+}
+
+[[gnu::always_inline]] inline Quad spread(double value)
+{
+    return {Lanes{value, value}, Lanes{value, value}};
+}
+
+[[gnu::always_inline]] inline Quad loadQuad(const double* at)
+{
+    return {*reinterpret_cast<const Loose*>(at), *reinterpret_cast<const Loose*>(at + 2)};
+}
+
+[[gnu::always_inline]] inline void storeQuad(double* at, const Quad& quad)
+{
+    *reinterpret_cast<Loose*>(at) = quad.low;
+    *reinterpret_cast<Loose*>(at + 2) = quad.high;
+}
+
+[[gnu::always_inline]] inline void transpose(Quad& a, Quad& b, Quad& c, Quad& d)
+{
+    const Quad first{__builtin_shufflevector(a.low, b.low, 0, 2), __builtin_shufflevector(c.low, d.low, 0, 2)};
+    const Quad second{__builtin_shufflevector(a.low, b.low, 1, 3), __builtin_shufflevector(c.low, d.low, 1, 3)};
+    const Quad third{__builtin_shufflevector(a.high, b.high, 0, 2), __builtin_shufflevector(c.high, d.high, 0, 2)};
+    d = {__builtin_shufflevector(a.high, b.high, 1, 3), __builtin_shufflevector(c.high, d.high, 1, 3)};
+    a = first;
+    b = second;
+    c = third;
+}
+
 #include "Audio/Filters/ConvolverLoops.inl"
+// The convolver's spectra come from here.
+#include "Audio/Filters/BlockTransformLoops.inl"
 
 } // namespace pairs
 

@@ -10,8 +10,7 @@
 inline constexpr std::size_t kGroup = kLanes == 1 ? 1 : 2;
 inline constexpr std::size_t kGroupBins = kGroup * kLanes;
 
-/// The four products of two complex numbers are summed apart: no sum waits for another, and the parts of DC and Nyquist,
-/// which are no complex number, can be told in the end.
+/// The four products of two complex numbers are summed apart: no sum waits for another.
 struct CSums {
     Lanes rr[kGroup] = {};
     Lanes ii[kGroup] = {};
@@ -44,82 +43,115 @@ struct CSums {
 }
 
 void sumProducts(const CSpectrumShape& shape, const double* history, std::size_t newest, const double* taps,
-                 double* terms)
+                 double* terms, bool isAdded)
 {
     const std::size_t ahead = shape.count - newest;
-    double dc = 0.0;
-    double nyquist = 0.0;
+    double* const im = terms + shape.tiles * kSpectrumTileBins;
     for (std::size_t tile = 0; tile < shape.tiles; ++tile) {
         for (std::size_t bin = 0; bin < kSpectrumTileBins; bin += kGroupBins) {
             CSums sums;
             addProducts(sums, history + newest * kSpectrumTile + bin, taps + bin, ahead);
             addProducts(sums, history + bin, taps + ahead * kSpectrumTile + bin, newest);
-            if (tile + bin == 0) {
-                dc = firstOf(sums.rr[0]);
-                nyquist = firstOf(sums.ii[0]);
-            }
-            double* out = terms + 2 * (tile * kSpectrumTileBins + bin);
 #pragma GCC unroll 4
-            for (std::size_t g = 0; g < kGroup; ++g)
-                join(sums.rr[g] - sums.ii[g], sums.ri[g] + sums.ir[g], out + 2 * g * kLanes);
+            for (std::size_t g = 0; g < kGroup; ++g) {
+                const std::size_t at = tile * kSpectrumTileBins + bin + g * kLanes;
+                Lanes re = sums.rr[g] - sums.ii[g];
+                Lanes turned = sums.ri[g] + sums.ir[g];
+                if (isAdded) {
+                    re = load(terms + at) + re;
+                    turned = load(im + at) + turned;
+                }
+                *reinterpret_cast<Loose*>(terms + at) = re;
+                *reinterpret_cast<Loose*>(im + at) = turned;
+            }
         }
         history += shape.count * kSpectrumTile;
         taps += shape.count * kSpectrumTile;
     }
-    const std::size_t bins = shape.tiles * kSpectrumTileBins;
-    terms[0] = dc;
-    terms[1] = 0.0;
-    terms[2 * bins] = nyquist;
-    terms[2 * bins + 1] = 0.0;
 }
 
-void storeSpectrum(const CSpectrumShape& shape, const double* terms, double* list, std::size_t at)
+/// Where a tap finds its samples: all in `even`, or every other tap in `odd`.
+template <bool isTwo>
+[[gnu::always_inline]] inline const double* sampleOf(const CLinePair& line, std::size_t k)
 {
-    double* tile = list + at * kSpectrumTile;
-    const std::size_t bins = shape.tiles * kSpectrumTileBins;
-    for (std::size_t bin = 0; bin < bins; bin += kSpectrumTileBins) {
-        for (std::size_t lane = 0; lane < kSpectrumTileBins; lane += kLanes) {
-            Lanes re;
-            Lanes im;
-            part(terms + 2 * (bin + lane), re, im);
-            *reinterpret_cast<Loose*>(tile + lane) = re;
-            *reinterpret_cast<Loose*>(tile + lane + kSpectrumTileBins) = im;
-        }
-        tile += shape.count * kSpectrumTile;
-    }
-    list[at * kSpectrumTile + kSpectrumTileBins] = terms[2 * bins];
+    if constexpr (isTwo)
+        return (k % 2 == 0 ? line.even : line.odd) - k / 2;
+    else
+        return line.even - k;
 }
 
-/// `words` words of output from `line` on.
-template <class Word, std::size_t words>
-[[gnu::always_inline]] inline void convolveAt(const double* taps, std::size_t tapCount, const double* line, double* out,
-                                              bool isAdded)
+/// `words` words of output from place `at` on.
+template <class Word, std::size_t words, bool isTwo>
+[[gnu::always_inline]] inline void convolveAt(std::span<const double> taps, const CLinePair& line, std::size_t at,
+                                              double* out, bool isAdded)
 {
     constexpr std::size_t kWidth = sizeof(Word) / sizeof(double);
     Word sums[words] = {};
-    for (std::size_t k = 0; k < tapCount; ++k) {
-        const double tap = taps[k];
+    const auto addTap = [&](std::size_t k) {
+        const double* samples = sampleOf<isTwo>(line, k) + at;
 #pragma GCC unroll 4
         for (std::size_t w = 0; w < words; ++w)
-            sums[w] += tap * *reinterpret_cast<const Word*>(line - k + w * kWidth);
+            sums[w] += taps[k] * *reinterpret_cast<const Word*>(samples + w * kWidth);
+    };
+    std::size_t k = 0;
+    for (; k + 2 <= taps.size(); k += 2) {
+        addTap(k);
+        addTap(k + 1);
     }
+    if (k < taps.size())
+        addTap(k);
 #pragma GCC unroll 4
     for (std::size_t w = 0; w < words; ++w) {
-        Word& to = *reinterpret_cast<Word*>(out + w * kWidth);
+        Word& to = *reinterpret_cast<Word*>(out + at + w * kWidth);
         to = isAdded ? to + sums[w] : sums[w];
     }
 }
 
-void convolve(const double* taps, std::size_t tapCount, const double* line, double* out, std::size_t count, bool isAdded)
+template <bool isTwo>
+[[gnu::always_inline]] inline void convolveLines(std::span<const double> taps, const CLinePair& line, double* out,
+                                                 std::size_t count, bool isAdded)
 {
     constexpr std::size_t kWords = 4;
     std::size_t i = 0;
     for (; i + kWords * kLanes <= count; i += kWords * kLanes)
-        convolveAt<Loose, kWords>(taps, tapCount, line + i, out + i, isAdded);
+        convolveAt<Loose, kWords, isTwo>(taps, line, i, out, isAdded);
     for (; i + kLanes <= count; i += kLanes)
-        convolveAt<Loose, 1>(taps, tapCount, line + i, out + i, isAdded);
+        convolveAt<Loose, 1, isTwo>(taps, line, i, out, isAdded);
     for (; i < count; ++i)
-        convolveAt<double, 1>(taps, tapCount, line + i, out + i, isAdded);
+        convolveAt<double, 1, isTwo>(taps, line, i, out, isAdded);
 }
 
-constexpr CConvolverKernels kKernels = {storeSpectrum, sumProducts, convolve};
+void convolve(std::span<const double> taps, const CLinePair& line, double* out, std::size_t count, bool isAdded)
+{
+    if (line.odd == nullptr)
+        convolveLines<false>(taps, line, out, count, isAdded);
+    else
+        convolveLines<true>(taps, line, out, count, isAdded);
+}
+
+void interleave(const double* even, const double* odd, double* out, std::size_t count)
+{
+    std::size_t i = 0;
+    for (; i + kLanes <= count; i += kLanes)
+        join(load(even + i), load(odd + i), out + 2 * i);
+    for (; i < count; ++i) {
+        out[2 * i] = even[i];
+        out[2 * i + 1] = odd[i];
+    }
+}
+
+void takeApart(const double* in, double* even, double* odd, std::size_t count)
+{
+    std::size_t i = 0;
+    for (; i + kLanes <= count; i += kLanes) {
+        Lanes first;
+        Lanes second;
+        part(in + 2 * i, first, second);
+        *reinterpret_cast<Loose*>(even + i) = first;
+        *reinterpret_cast<Loose*>(odd + i) = second;
+    }
+    for (; i < count; ++i) {
+        even[i] = in[2 * i];
+        odd[i] = in[2 * i + 1];
+    }
+}

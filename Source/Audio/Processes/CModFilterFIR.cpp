@@ -156,7 +156,7 @@ void CModFilterFIRModule::design(CAudioFilterStageList& list, const CElement& el
 
 void CModFilterFIRModule::setTaps(std::span<const double> taps)
 {
-    platform::CRealFFTPool& plans = *processState().fftPlans;
+    platform::CBlockTransformPool& plans = *processState().blockTransforms;
     for (CFilterFIR& filter : m_filters) {
         if (m_isZeroLatency)
             filter.setZeroLatency(taps, plans);
