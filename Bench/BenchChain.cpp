@@ -50,7 +50,7 @@ CSettings operator+(CSettings left, const CSettings& right)
 
 CSettings bands(int count)
 {
-    return {kGroup + "xo-count=" + std::to_string(count), kGroup + "xo-band-count=" + std::to_string(count)};
+    return {kGroup + "xo-count=" + std::to_string(count - 1)};
 }
 
 CSettings eachBand(const std::string& name)

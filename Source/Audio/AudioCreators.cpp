@@ -29,6 +29,12 @@
 #include "Audio/Filters/CAudioFilterRBJGen.h"
 #include "Audio/Filters/CAudioFilterSerialGen.h"
 #include "Audio/Filters/CAudioFilterSerialGenItem.h"
+#include "Audio/ParamFilters/CAudioParamFilterAComp.h"
+#include "Audio/ParamFilters/CAudioParamFilterBypassGroupSolo.h"
+#include "Audio/ParamFilters/CAudioParamFilterBypassMS.h"
+#include "Audio/ParamFilters/CAudioParamFilterBypassOS.h"
+#include "Audio/ParamFilters/CAudioParamFilterFreqSort.h"
+#include "Audio/ParamFilters/CAudioParamFilterRatio.h"
 #include "Audio/Presets/CAudioParamRegistry.h"
 #include "Audio/Processes/CModAbs.h"
 #include "Audio/Processes/CModAlphaComp.h"
@@ -120,6 +126,12 @@ std::span<const CCreatorRow> audioCreators()
         creatorRow<CAudioParamDef>("audio:param"),
         creatorRow<CAudioParamAllocDef>("audio:param-alloc"),
         creatorRow<CAudioParamCollector>("audio:param-collector"),
+        creatorRow<CAudioParamFilterACompDef>("audio:param-filter-acomp"),
+        creatorRow<CAudioParamFilterBypassGroupSoloDef>("audio:param-filter-bypass-group-solo"),
+        creatorRow<CAudioParamFilterBypassMSDef>("audio:param-filter-bypass-ms"),
+        creatorRow<CAudioParamFilterBypassOSDef>("audio:param-filter-bypass-os"),
+        creatorRow<CAudioParamFilterFreqSortDef>("audio:param-filter-freqsort"),
+        creatorRow<CAudioParamFilterRatioDef>("audio:param-filter-ratio"),
         creatorRow<CAudioParamRegistry>("audio:param-registry"),
         creatorRow<CAudioParamRemapDef>("audio:param-remap"),
         creatorRow<CAudioParamSharedStorage>("audio:param-shared-storage"),

@@ -138,7 +138,7 @@ void CAudioParam::afterEdit(const CAudioParamUpdate& record, const CAudioParamGu
     if (!guard.isAudio())
         m_collector.selectPreset(*this, record, route);
     tell(record, guard);
-    // Attached parameter filters derive their destinations here, as the last step.
+    runFilters(record, guard, route);
 }
 
 void CAudioParam::send(const CAudioParamUpdate& update, const CAudioParamGuard& guard, const CAudioParamRoute& route)

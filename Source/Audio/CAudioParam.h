@@ -16,6 +16,7 @@
 namespace qrb {
 
 class CAudioParamCollector;
+class CAudioParamFilter;
 class CAudioParamUndoEntry;
 class CAudioParamUpdateList;
 
@@ -92,6 +93,12 @@ public:
     /// Thread: as attachReader(). Null does nothing.
     void detachReader(CAudioParamReader* reader);
 
+    /// Has all that is derived from the parameter follow a change which is in place; update() does so by itself.
+    void runFilters(const CAudioParamUpdate& record, const CAudioParamGuard& guard, const CAudioParamRoute& route = {});
+    /// Has a filter run for everything that is here now and for each change to come. It leaves before it goes.
+    void attachFilter(CAudioParamFilter& filter, const CAudioParamGuard& guard, const CAudioParamRoute& route = {});
+    void detachFilter(const CAudioParamFilter& filter, const CAudioParamGuard& guard);
+
     /// Writes the path of the definition and the values of one group, or of all (-1).
     CErrorPtr save(COutputStream& out, std::int32_t group = -1) const;
 
@@ -154,6 +161,7 @@ private:
     std::atomic<const CAudioParamInfo*> m_info{nullptr};
     CAudioParamStorage m_edit;
     CAudioParamStorage m_reset;
+    CArray<CAudioParamFilter*, 2> m_filters; ///< guarded by the parameter lock
     CAudioParamReader* m_readers = nullptr;
     CAudioParamStorage m_audio;
     CAudioParamQueueAnchor m_anchor;

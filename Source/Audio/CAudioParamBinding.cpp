@@ -8,6 +8,7 @@
 #include "Audio/CAudioParamSharedStorage.h"
 #include "Audio/CAudioProcessDefBase.h"
 #include "Audio/CAudioProcessMB.h"
+#include "Audio/ParamFilters/CAudioParamFilterDef.h"
 
 namespace qrb {
 
@@ -42,6 +43,14 @@ void linkSharedStorages(CAudioParamCollector& collector, const CAudioProcessDefB
     }
 }
 
+CErrorPtr addFilters(CAudioParamCollector& collector, const CAudioProcessDefBase& definition, const CString& name)
+{
+    for (const auto& entry : definition.paramFilters()) {
+        QRB_TRY(entry.object->addTo(collector, name));
+    }
+    return nullptr;
+}
+
 /// Visits a definition and all that its nodes instantiate, outer ones first: `visit(definition, path, commonPath)`, the
 /// latter empty or another path that remaps may know it under. Documents are trusted not to contain themselves.
 template <class F>
@@ -62,7 +71,8 @@ void visitTree(const CAudioInnerProcess& process, EExpansion expansion, const F&
 
 } // namespace
 
-void declareProcessTree(CAudioParamCollector& collector, const CAudioProcessDefBase& definition, const CString& name)
+CErrorPtr declareProcessTree(CAudioParamCollector& collector, const CAudioProcessDefBase& definition,
+                             const CString& name)
 {
     // All aliases first, since they decide which declarations are bound. Parameters that are not global are bound
     // along with the others, so that the audio thread finds them bound and need not wait for their lock.
@@ -74,10 +84,15 @@ void declareProcessTree(CAudioParamCollector& collector, const CAudioProcessDefB
         }
     });
     visitAll([&](const auto& def, const CString& path, const CString&) { bindParams(collector, def, path); });
+    // All that filters and links read and write is bound by now.
+    CErrorPtr failed;
     visitAll([&](const auto& def, const CString& path, const CString&) {
         linkSharedStorages(collector, def, path);
-        // Filters between parameters attach here, when all they read and write is bound.
+        if (!failed) {
+            failed = addFilters(collector, def, path);
+        }
     });
+    return failed;
 }
 
 void declareProcessParams(CAudioParamCollector& collector, const CAudioProcessDefBase& definition, const CString& name)

@@ -5,6 +5,7 @@
 #include "Audio/CAudioParamDeferredTarget.h"
 #include "Audio/CAudioParamUpdateInfo.h"
 #include "Audio/CSharedParam.h"
+#include "Audio/ParamFilters/CAudioParamFilter.h"
 
 #include <algorithm>
 #include <utility>
@@ -73,6 +74,11 @@ void CAudioParamCollector::addSharedParam(const CString& path, CAppData& store, 
     m_sharedParams.append(std::make_unique<CSharedParam>(param, store, dataName));
     m_hasSharedParams.store(true, std::memory_order_release);
     m_sharedParams.back()->run();
+}
+
+void CAudioParamCollector::addFilter(std::unique_ptr<CAudioParamFilter> filter)
+{
+    m_filters.append(std::move(filter));
 }
 
 bool CAudioParamCollector::enterParams(EAudioParamWait wait)

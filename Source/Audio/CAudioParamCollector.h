@@ -20,6 +20,7 @@ namespace qrb {
 
 class CAppData;
 class CAudioEnv;
+class CAudioParamFilter;
 class CAudioParamRegistry;
 class CSharedParam;
 
@@ -80,6 +81,9 @@ public:
     /// Mirrors a parameter in a block of application data. A link that exists already is kept. It starts at once if the
     /// parameter is bound, otherwise with the runDeferred() after that. Thread: the owner's.
     void addSharedParam(const CString& path, CAppData& store, const CString& dataName);
+
+    /// Keeps a filter between parameters as long as there are parameters. Thread: the owner's.
+    void addFilter(std::unique_ptr<CAudioParamFilter> filter);
 
     /// Splices a list of changes into the queue in one step, so that they reach the modules in one block. Thread: any.
     void splice(CAudioParamUpdateList& list);
@@ -159,6 +163,8 @@ private:
     CArray<std::unique_ptr<CSharedParam>> m_sharedParams; ///< owner's thread only
     std::atomic<bool> m_hasSharedParams{false};
     std::uint32_t m_audioChangeCount = 0;
+
+    CArray<std::unique_ptr<CAudioParamFilter>> m_filters; ///< goes first: filters leave their parameters
 };
 
 } // namespace qrb

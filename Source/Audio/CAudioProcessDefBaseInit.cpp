@@ -5,6 +5,7 @@
 #include "Audio/CAudioParamDef.h"
 #include "Audio/CAudioParamRemapDef.h"
 #include "Audio/CAudioParamSharedStorage.h"
+#include "Audio/ParamFilters/CAudioParamFilterDef.h"
 
 namespace qrb {
 
@@ -30,6 +31,8 @@ void CAudioProcessDefBaseInit::sortChild(const CObject& child, const CString& pr
         m_paramRemaps.append({prefix + child.getName(), remap});
     } else if (const auto* storage = dynamic_cast<const CAudioParamSharedStorage*>(&child)) {
         m_sharedStorages.append({prefix + child.getName(), storage});
+    } else if (const auto* filter = dynamic_cast<const CAudioParamFilterDef*>(&child)) {
+        m_paramFilters.append({prefix + child.getName(), filter});
     } else if (const auto* param = dynamic_cast<const CAudioParamDef*>(&child)) {
         m_params.append({prefix + child.getName(), param});
     }

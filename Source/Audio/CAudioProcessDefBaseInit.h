@@ -9,6 +9,7 @@ namespace qrb {
 
 class CAudioParamAllocDef;
 class CAudioParamDef;
+class CAudioParamFilterDef;
 class CAudioParamRemapDef;
 class CAudioParamSharedStorage;
 
@@ -31,6 +32,7 @@ public:
     {
         return m_sharedStorages.span();
     }
+    [[nodiscard]] std::span<const CEntry<CAudioParamFilterDef>> paramFilters() const { return m_paramFilters.span(); }
     [[nodiscard]] std::span<const CEntry<CAudioParamDef>> params() const { return m_params.span(); }
 
 private:
@@ -39,6 +41,7 @@ private:
     CMap<int, const CAudioParamAllocDef*> m_paramAllocs;
     CArray<CEntry<CAudioParamRemapDef>> m_paramRemaps;
     CArray<CEntry<CAudioParamSharedStorage>> m_sharedStorages;
+    CArray<CEntry<CAudioParamFilterDef>> m_paramFilters;
     CArray<CEntry<CAudioParamDef>> m_params;
 };
 

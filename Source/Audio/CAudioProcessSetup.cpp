@@ -37,7 +37,7 @@ CErrorPtr instantiateProcess(const CAudioProcessSetup& setup, std::unique_ptr<CA
 CErrorPtr instantiateTopProcess(const CAudioProcessSetup& setup, std::unique_ptr<CAudioProcessBase>& out)
 {
     if (setup.context.collector != nullptr) {
-        declareProcessTree(*setup.context.collector, *setup.definition, setup.name);
+        QRB_TRY(declareProcessTree(*setup.context.collector, *setup.definition, setup.name));
     }
     QRB_TRY(instantiateProcess(setup, out));
     return nullptr;

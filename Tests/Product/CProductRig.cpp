@@ -51,8 +51,7 @@ CProductRig::CProductRig(const CShape& shape) : m_module(m_error), m_shape(shape
     const qrb::CErrorPtr failed = m_instance->init();
     EXPECT_FALSE(failed) << (failed ? failed->text().toUtf8() : std::string());
     m_instance->setSampleRate(shape.sampleRate);
-    set("modThumpcraft.xo-count=" + std::to_string(shape.bands));
-    set("modThumpcraft.xo-band-count=" + std::to_string(shape.bands));
+    set("modThumpcraft.xo-count=" + std::to_string(shape.bands - 1));
 }
 
 CProductRig::~CProductRig()

@@ -20,7 +20,7 @@ CChannels playChanges(bool isPlanned, std::size_t blockSize, std::size_t& series
     rig.at(1000, kGroup + "outgain=-6").at(1100, kGroup + "outgain=3").at(2000, kGroup + "comp-enable:0:1=1");
     rig.at(3000, kGroup + "eq-params.mode:0:0=Peaking").at(3300, kGroup + "eq-params.gain:0:0=6");
     rig.at(3500, kGroup + "eq-params.mode:0:2=Peaking").at(3700, kGroup + "eq-params.mode:0:3=Peaking");
-    rig.at(4000, kGroup + "xo-type=2").at(5000, kGroup + "xo-band-count=2").at(6000, kGroup + "xo-band-count=3");
+    rig.at(4000, kGroup + "xo-type=2").at(5000, kGroup + "xo-count=1").at(6000, kGroup + "xo-count=2");
     rig.at(6500, "lp-oversampling-enable=0")
         .at(7000, "oversampling=2X")
         .at(9000, "oversampling=1X")

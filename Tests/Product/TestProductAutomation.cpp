@@ -58,14 +58,15 @@ TEST(TestProductAutomation, BypassInMidSignalFadesToTheUntouchedInput)
     EXPECT_LE(largestStep(behindStart), steepest(low, 1.0));
 }
 
-TEST(TestProductAutomation, GroupSoloInMidSignalDoesNotClick)
+TEST(TestProductAutomation, ASoloThatMovesToAnotherGroupInMidSignalDoesNotClick)
 {
     CProductRig rig({44100.0, 4, 4, 0});
     for (int channel = 2; channel < 4; ++channel) {
         const std::string place = ":0:" + std::to_string(channel) + "=" + std::to_string(channel + 1);
         rig.set("io-params.in-routing" + place).set("io-params.out-routing" + place);
     }
-    rig.at(3000, "io-params.channel-group-solo:1=On").at(5000, "io-params.channel-group-solo:1=Off");
+    rig.set("io-params.channel-group-solo:0=On").at(3000, "io-params.channel-group-solo:1=On");
+    rig.at(3000, "io-params.channel-group-solo:0=Off").at(5000, "io-params.channel-group-solo:0=On");
     const CChannels out = rig.run(makeOnes(4, kFrames), 512);
     const std::size_t latency = static_cast<std::size_t>(rig.latency());
     EXPECT_LE(std::abs(out[0][4900 + latency]), 1e-10);

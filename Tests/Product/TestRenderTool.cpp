@@ -58,7 +58,7 @@ protected:
     /// empty on success.
     std::string render(std::vector<std::string> words)
     {
-        words.insert(words.begin(), {"--set", "modThumpcraft.xo-count=1", "--set", "modThumpcraft.xo-band-count=1"});
+        words.insert(words.begin(), {"--set", "modThumpcraft.xo-count=0"});
         std::string error;
         const std::optional<render::CRenderOptions> options = render::parseOptions(words, error);
         if (!options)

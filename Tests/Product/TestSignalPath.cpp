@@ -147,7 +147,7 @@ TEST(TestSignalPath, TheCompressorFollowsTheKeySignalThatIsChosen)
             .set("io-params.sidechain-mute:0:2=1")
             .set("io-params.sidechain-mute:0:3=1");
         rig.set("io-params.grouping:0:2=0").set("io-params.grouping:0:3=0");
-        rig.set(kGroup + "comp-enable=1").set(kGroup + "comp-threshold=-19").set(kGroup + "comp-ratio0=2:1");
+        rig.set(kGroup + "comp-enable=1").set(kGroup + "comp-threshold=-19").set(kGroup + "comp-ratio=2:1");
         rig.set(kGroup + "comp-attack=60"); // no make-up gain
         levels[source] = rms(rig.set(kGroup + "comp-keysrc=" + std::to_string(source)).run(in, 512)[0], 66150);
     }
