@@ -122,20 +122,30 @@ TEST_F(FilterTest, FirstOrderStagesAreSmoothersWithTheirCornersInPlace)
     EXPECT_NEAR(std::abs(gen("hp1b").response(10, 192000, params(10, 1, 1))), std::sqrt(0.5), 3e-4);
 }
 
-TEST_F(FilterTest, PeaksOfPrescribedGainHitTheirCentreAndStayStable)
+TEST_F(FilterTest, PeaksOfPrescribedGainHitTheirCentre)
 {
     for (const double rate : kSampleRates)
-        for (const double frequency : {10.0, 333.0, 5000.0, 20000.0})
-            for (const double gain : {0.06, 0.9, 1.1, 16.0})
-                for (const double width : {0.05, 0.5, 1.0, 4.0})
+        for (const double frequency : {10.0, 333.0, 5000.0, 20000.0, rate / 4, 0.499 * rate})
+            for (const double gain : {0.06, 0.9, 1.0, 1.1, 16.0})
+                for (const double width : {0.05, 0.5, 1.0, 2.0, 4.0})
                     for (int type = 0; type < 6; ++type) {
                         const std::string name = "magnus" + std::to_string(type);
                         const CAudioFilterStageList list = design(name, rate, params(frequency, gain, width));
-                        if (list.empty())
+                        // At a quarter of the rate law B moves out of its own way, and law C divides by zero for two
+                        // octaves. Laws A and B keep off half the rate.
+                        const bool isQuarter = frequency == rate / 4;
+                        if (list.empty() && isQuarter && width == 2.0 && type % 3 == 2)
                             continue;
-                        const double w = 2 * pi * frequency / rate;
+                        ASSERT_FALSE(list.empty()) << name << " " << rate << " " << frequency << " " << width;
+                        double centre = frequency / rate;
+                        if (type % 3 == 0)
+                            centre = std::min(centre, 0.49);
+                        else if (type % 3 == 1)
+                            centre = isQuarter ? 0.99 * centre : std::min(centre, 0.495);
+                        const double w = 2 * pi * centre;
+                        const double want = type < 3 && gain == 1.0 ? 0.999 : gain;
                         const double tolerance = std::max(1e-9, gain * attainable(list.stages()[0], w));
-                        ASSERT_NEAR(std::abs(list.response(w)), gain, tolerance)
+                        ASSERT_NEAR(std::abs(list.response(w)), want, tolerance)
                             << name << " " << rate << " " << frequency << " " << gain << " " << width;
                     }
 }
