@@ -8,7 +8,9 @@ namespace qrb {
 
 bool parseNumberList(const CString& text, CArray<double, 8>& out)
 {
-    for (const CString& piece : split(text, u',')) {
+    if (text.empty())
+        return true;
+    for (const CString& piece : split(text, u',', EEmpty::keep)) {
         double number = 0.0;
         if (!parseNumber(piece.trimmed(), number))
             return false;

@@ -281,7 +281,7 @@ TEST(FilterDeclarations, SayWhatIsWrong)
         {"<audio:fltgen-magnus name='f' type='6'/>", "Invalid filter type '6' specified."},
         {"<audio:fltgen-lphp1 name='f' type='-1'/>", "Invalid filter type '-1' specified."},
         {"<audio:fltgen-hbf name='f' b='0.5'/>", "Not enough 'a' coefficients defined."},
-        {"<audio:fltgen-hbf name='f' a='0.5,x' b='0.5,0.6'/>", "Not enough 'a' coefficients defined."},
+        {"<audio:fltgen-hbf name='f' a='0.5,0.6,' b='0.5,0.6'/>", "Not enough 'a' coefficients defined."},
         {"<audio:fltgen-hbf name='f' a='0.5'/>", "Not enough 'b' coefficients defined."},
         {"<audio:fltgen-hbf name='f' a='0.5' b='0.5,0.6'/>",
          "Coefficient count should match in 'a' and 'b' coefficient lists."},
@@ -294,6 +294,9 @@ TEST(FilterDeclarations, SayWhatIsWrong)
          "none"},
         {"<audio:fltgen-serial name='s'><audio:fltgen-serial-item name='i' fltgen='s'/></audio:fltgen-serial>",
          "Filter 's' contains itself."},
+        {"<audio:fltgen-serial name='s'><audio:fltgen-serial-item name='i' fltgen='g' adjust='1,,2'/>"
+         "</audio:fltgen-serial>",
+         "Invalid adjustment '1,,2' '' specified."},
     };
     for (const auto& [xml, message] : kRows) {
         CTestModule module("<root/>", audioCreators());
