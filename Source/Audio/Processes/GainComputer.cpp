@@ -24,6 +24,11 @@ using Ints = std::uint64_t;
     return std::sqrt(x);
 }
 
+[[gnu::always_inline]] inline bool isNoneAbove(Lanes a, Lanes b)
+{
+    return a <= b;
+}
+
 #include "Audio/Processes/LaneMath.inl"
 
 } // namespace plain
@@ -37,6 +42,11 @@ using Ints = std::uint64_t __attribute__((vector_size(16)));
 [[gnu::always_inline]] inline Lanes rootOf(Lanes x)
 {
     return _mm_sqrt_pd(x);
+}
+
+[[gnu::always_inline]] inline bool isNoneAbove(Lanes a, Lanes b)
+{
+    return _mm_movemask_pd(_mm_cmple_pd(a, b)) == 3;
 }
 
 #include "Audio/Processes/LaneMath.inl"

@@ -27,6 +27,11 @@ using Ints = std::uint64_t __attribute__((vector_size(32)));
     return _mm256_sqrt_pd(x);
 }
 
+[[gnu::always_inline]] inline bool isNoneAbove(Lanes a, Lanes b)
+{
+    return _mm256_movemask_pd(_mm256_cmp_pd(a, b, _CMP_LE_OQ)) == 15;
+}
+
 #include "Audio/Processes/LaneMath.inl"
 
 } // namespace quads

@@ -4,6 +4,7 @@
 // namespace that defines:
 //   Lanes, Ints     kLanes doubles, and as many unsigned 64-bit integers (the plain types where kLanes is 1)
 //   rootOf(Lanes)   square root, correctly rounded
+//   isNoneAbove(Lanes, Lanes)   whether no lane of the first is above that of the second, nor unordered with it
 // Each lane takes the same correctly rounded steps whatever the width, so all widths give the same bits. The functions
 // neither are nor call templates, which may be compiled outside the region whose target the including file sets.
 
@@ -94,19 +95,51 @@
     return (over > spread(curve.kneeStart) ? bent : spread(0.0)) * kNepersPerDecibel;
 }
 
-/// The block in three passes: the processor overlaps more samples of short chains than of one long one.
-[[gnu::always_inline]] inline void runGain(const CGainCurve& curve, double threshold, const double* in, double* out,
-                                           std::size_t count, bool isDownward, bool isInverse)
+/// A stretch in three passes: the processor overlaps more samples of short chains than of one long one.
+[[gnu::always_inline]] inline void bendStretch(const CGainCurve& curve, double threshold, const double* in, double* out,
+                                               std::size_t count, bool isDownward, bool isInverse)
 {
-    const std::size_t whole = count - count % kLanes;
-    for (std::size_t i = 0; i < whole; i += kLanes)
+    for (std::size_t i = 0; i < count; i += kLanes)
         storeLanes(out + i, logOf(loadLanes(in + i)));
-    for (std::size_t i = 0; i < whole; i += kLanes)
+    for (std::size_t i = 0; i < count; i += kLanes)
         storeLanes(out + i, bendOf(curve, threshold, loadLanes(out + i), isDownward));
-    for (std::size_t i = 0; i < whole; i += kLanes) {
+    for (std::size_t i = 0; i < count; i += kLanes) {
         const Lanes gain = expOf(loadLanes(out + i));
         storeLanes(out + i, isInverse ? 1.0 / gain : gain);
     }
+}
+
+/// Samples in front of the knee have a gain of exactly 1, so whole pieces of them are not computed.
+[[gnu::always_inline]] inline void runGain(const CGainCurve& curve, double threshold, const double* in, double* out,
+                                           std::size_t count, bool isDownward, bool isInverse)
+{
+    constexpr std::size_t kPiece = 16;
+    // Further from the knee than the logarithm's rounding can tell.
+    constexpr double kMargin = 1e-9;
+    const double knee = isDownward ? threshold - curve.kneeStart : threshold + curve.kneeStart;
+    const double idle = __builtin_exp(knee * kNepersPerDecibel) * (isDownward ? 1.0 + kMargin : 1.0 - kMargin);
+    const auto isIdle = [&](std::size_t at) __attribute__((always_inline))
+    {
+        bool isAll = true;
+        for (std::size_t i = at; i < at + kPiece; i += kLanes) {
+            const Lanes x = loadLanes(in + i);
+            isAll &= isDownward ? isNoneAbove(spread(idle), x) : isNoneAbove(x, spread(idle));
+        }
+        return isAll;
+    };
+    const std::size_t pieces = count - count % kPiece;
+    std::size_t done = 0;
+    while (done < pieces) {
+        std::size_t end = done;
+        while (end < pieces && !isIdle(end))
+            end += kPiece;
+        bendStretch(curve, threshold, in + done, out + done, end - done, isDownward, isInverse);
+        for (done = end; done < pieces && isIdle(done); done += kPiece)
+            for (std::size_t i = done; i < done + kPiece; i += kLanes)
+                storeLanes(out + i, spread(1.0));
+    }
+    const std::size_t whole = count - count % kLanes;
+    bendStretch(curve, threshold, in + pieces, out + pieces, whole - pieces, isDownward, isInverse);
     if (whole == count)
         return;
     const Lanes gain = expOf(bendOf(curve, threshold, logOf(loadPart(in + whole, count - whole)), isDownward));
