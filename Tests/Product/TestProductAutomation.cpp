@@ -58,19 +58,21 @@ TEST(TestProductAutomation, BypassInMidSignalFadesToTheUntouchedInput)
     EXPECT_LE(largestStep(behindStart), steepest(low, 1.0));
 }
 
-TEST(TestProductAutomation, ASoloThatMovesToAnotherGroupInMidSignalDoesNotClick)
+TEST(TestProductAutomation, ASoloInMidSignalDoesNotClickNorDoesItsEndOrItsMoveToAnotherGroup)
 {
     CProductRig rig({44100.0, 4, 4, 0});
     for (int channel = 2; channel < 4; ++channel) {
         const std::string place = ":0:" + std::to_string(channel) + "=" + std::to_string(channel + 1);
         rig.set("io-params.in-routing" + place).set("io-params.out-routing" + place);
     }
-    rig.set("io-params.channel-group-solo:0=On").at(3000, "io-params.channel-group-solo:1=On");
-    rig.at(3000, "io-params.channel-group-solo:0=Off").at(5000, "io-params.channel-group-solo:0=On");
+    rig.at(2000, "io-params.channel-group-solo:1=On").at(4000, "io-params.channel-group-solo:0=On");
+    rig.at(4000, "io-params.channel-group-solo:1=Off").at(6000, "io-params.channel-group-solo:0=Off");
     const CChannels out = rig.run(makeOnes(4, kFrames), 512);
     const std::size_t latency = static_cast<std::size_t>(rig.latency());
-    EXPECT_LE(std::abs(out[0][4900 + latency]), 1e-10);
+    EXPECT_LE(std::abs(out[0][3900 + latency]), 1e-10);
+    EXPECT_LE(std::abs(out[2][5900 + latency]), 1e-10);
     EXPECT_NEAR(out[0].back(), 1.0, 1e-10);
+    EXPECT_NEAR(out[2].back(), 1.0, 1e-10);
     for (std::size_t channel = 0; channel < 4; ++channel) {
         const std::vector<double> heard(out[channel].begin() + static_cast<std::ptrdiff_t>(latency),
                                         out[channel].end());
