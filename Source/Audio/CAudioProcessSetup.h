@@ -22,7 +22,7 @@ struct CAudioProcessContext {
     CAudioEnv* env = nullptr;
     CSampleBufferPool* pool = nullptr;
     CAudioGraphChanges* changes = nullptr; ///< null: nobody plans
-    CAudioVizCollector* viz = nullptr; ///< null: what modules have to show goes nowhere
+    CAudioVizCollector* viz = nullptr;     ///< null: what modules have to show goes nowhere
 };
 
 /// How far a definition has been expanded when a node is made of it.
