@@ -1,6 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/Filters/CAudioFilterFIRLPGen.h"
+#include "Audio/Filters/CAudioFilterParams.h"
+#include "Audio/Filters/CAudioFilterStageList.h"
 #include "Audio/Filters/CFilterBank.h"
+#include "Audio/Filters/CFilterFIR.h"
+#include "Audio/Filters/CPhasedFIR.h"
 #include "Audio/Processes/RateMath.h"
+#include "Platform/CBlockTransformPool.h"
 
 #include <benchmark/benchmark.h>
 
@@ -9,7 +15,7 @@
 #include <span>
 #include <vector>
 
-// Two lines of 512 samples up by recursive half-band stages and down again, as the resamplers do it without the graph
+// Two lines of 512 samples up by half-band stages and down again, as the resamplers do it without the graph
 // around them; "ns/frame" is one sample of both lines at the lower rate. Beside it the same with the zeros really there
 // and all samples made, and a copy of the same samples.
 namespace {
@@ -115,6 +121,108 @@ void recursiveUpAndDown(benchmark::State& state)
     report(state);
 }
 
+struct CTapsRequest {
+    double length;
+    double frequency;
+    double beta;
+};
+constexpr CTapsRequest kSteepUp{0.008, 10650.0, 16.0};
+constexpr CTapsRequest kSteepDown{0.023, 11000.0, 16.0};
+constexpr CTapsRequest kSoft{0.00081, 10200.0, 16.3};
+
+std::vector<double> makeTaps(const CTapsRequest& request)
+{
+    qrb::CAudioFilterParams params;
+    params.set("length", request.length);
+    params.set("freq", request.frequency);
+    params.set("beta", request.beta);
+    qrb::CAudioFilterStageList list;
+    qrb::CAudioFilterFIRLPGen().design(list, 44100.0, params, nullptr);
+    const auto taps = list.stages()[0].b.span();
+    return {taps.begin(), taps.end()};
+}
+
+/// The filters of a doubling for each line.
+template <class Filter>
+struct CLinearPhase {
+    Filter up[kMaxStages][kLines];
+    Filter down[kMaxStages][kLines];
+
+    explicit CLinearPhase(int stages)
+    {
+        static qrb::platform::CBlockTransformPool plans;
+        for (int stage = 0; stage < stages; ++stage) {
+            for (std::size_t i = 0; i < kLines; ++i) {
+                if (stage == 0) {
+                    up[stage][i].setPartitioned(makeTaps(kSteepUp), 7, plans);
+                    down[stage][i].setPartitioned(makeTaps(kSteepDown), 7, plans);
+                } else {
+                    up[stage][i].setZeroLatency(makeTaps(kSoft), plans);
+                    down[stage][i].setZeroLatency(makeTaps(kSoft), plans);
+                }
+            }
+        }
+    }
+};
+
+void plainLinearPhaseUpAndDown(benchmark::State& state)
+{
+    const int stages = static_cast<int>(state.range(0));
+    CRates rates;
+    CRates made;
+    CLinearPhase<qrb::CFilterFIR> filters(stages);
+    for (auto _ : state) {
+        for (int stage = 0; stage < stages; ++stage) {
+            for (std::size_t i = 0; i < kLines; ++i) {
+                auto& stuffed = made.samples[stage + 1][i];
+                qrb::stuffZeros(rates.samples[stage][i], stuffed);
+                filters.up[stage][i].process(stuffed.data(), rates.samples[stage + 1][i].data(), stuffed.size());
+            }
+        }
+        for (int stage = stages - 1; stage >= 0; --stage) {
+            for (std::size_t i = 0; i < kLines; ++i) {
+                auto& filtered = made.samples[stage + 1][i];
+                filters.down[stage][i].process(rates.samples[stage + 1][i].data(), filtered.data(), filtered.size());
+                qrb::takeEverySecond(filtered, rates.samples[stage][i]);
+            }
+        }
+        benchmark::ClobberMemory();
+    }
+    report(state);
+}
+
+void linearPhaseUpAndDown(benchmark::State& state)
+{
+    const int stages = static_cast<int>(state.range(0));
+    const auto& kernels = qrb::convolverKernels();
+    CRates rates;
+    CLinearPhase<qrb::CPhasedFIR> filters(stages);
+    std::vector<double> even(kLength << kMaxStages);
+    std::vector<double> odd(kLength << kMaxStages);
+    for (auto _ : state) {
+        for (int stage = 0; stage < stages; ++stage) {
+            const std::size_t pairs = kLength << stage;
+            for (std::size_t i = 0; i < kLines; ++i) {
+                double* const in = rates.samples[stage][i].data();
+                for (std::size_t n = 0; n < pairs; ++n)
+                    in[n] *= 2.0;
+                filters.up[stage][i].process({in, nullptr}, {even.data(), odd.data()}, pairs);
+                kernels.interleave(even.data(), odd.data(), rates.samples[stage + 1][i].data(), pairs);
+            }
+        }
+        for (int stage = stages - 1; stage >= 0; --stage) {
+            const std::size_t pairs = kLength << stage;
+            for (std::size_t i = 0; i < kLines; ++i) {
+                kernels.takeApart(rates.samples[stage + 1][i].data(), even.data(), odd.data(), pairs);
+                filters.down[stage][i].process({even.data(), odd.data()}, {rates.samples[stage][i].data(), nullptr},
+                                               pairs);
+            }
+        }
+        benchmark::ClobberMemory();
+    }
+    report(state);
+}
+
 void rateChangesAlone(benchmark::State& state)
 {
     const int stages = static_cast<int>(state.range(0));
@@ -149,6 +257,8 @@ void floorCopy(benchmark::State& state)
 
 BENCHMARK(recursiveUpAndDown)->DenseRange(1, kMaxStages);
 BENCHMARK(plainUpAndDown)->DenseRange(1, kMaxStages);
+BENCHMARK(linearPhaseUpAndDown)->DenseRange(1, kMaxStages);
+BENCHMARK(plainLinearPhaseUpAndDown)->DenseRange(1, kMaxStages);
 BENCHMARK(rateChangesAlone)->DenseRange(1, kMaxStages);
 BENCHMARK(floorCopy)->DenseRange(1, kMaxStages);
 

@@ -41,6 +41,7 @@ public:
     [[nodiscard]] const double* data() const noexcept { return m_data; }
     [[nodiscard]] std::size_t size() const noexcept { return m_count; }
     [[nodiscard]] std::span<double> span() noexcept { return {m_data, m_count}; }
+    [[nodiscard]] std::span<const double> span() const noexcept { return {m_data, m_count}; }
     void fill(double value) noexcept { std::fill_n(m_data, m_count, value); }
 
 private:

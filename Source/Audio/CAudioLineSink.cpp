@@ -11,6 +11,11 @@ CAudioLineSink::~CAudioLineSink()
     disconnectAll();
 }
 
+bool CAudioLineSink::isStuffed() const
+{
+    return std::ranges::any_of(m_connections, [](const auto* connection) { return connection->source().isStuffing(); });
+}
+
 void CAudioLineSink::disconnectAll()
 {
     while (!m_connections.empty()) {

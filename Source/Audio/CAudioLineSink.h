@@ -38,6 +38,11 @@ public:
         return m_hearing == ELineHearing::half && hasChanges() ? ELineHearing::changing : m_hearing;
     }
     void setHearing(ELineHearing hearing) { m_hearing = hearing; }
+    /// Whether the owner drops samples as long as nothing keeps it from that; for good.
+    [[nodiscard]] bool isThinning() const { return m_isThinning; }
+    void setThinning(bool isThinning) { m_isThinning = isThinning; }
+    /// Whether zeros were put between the samples that arrive, on any line.
+    [[nodiscard]] bool isStuffed() const;
     /// A block of so many samples is on its way.
     void noteBlock(int length) { m_blockLength = length; }
     /// Samples of the block that was noted last; 0 where none was since the last call.
@@ -54,6 +59,7 @@ private:
     std::uint32_t m_changeCount = 0;
     int m_blockLength = 0;
     ELineHearing m_hearing = ELineHearing::all;
+    bool m_isThinning = false;
 };
 
 } // namespace qrb

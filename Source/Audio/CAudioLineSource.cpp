@@ -71,6 +71,11 @@ ELineHearing CAudioLineSource::hearing() const
     return hearing;
 }
 
+bool CAudioLineSource::isThinned() const
+{
+    return std::ranges::any_of(m_connections, [](const auto& connection) { return connection->sink().isThinning(); });
+}
+
 void CAudioLineSource::setLines(std::span<const CAudioLineInfo> lines)
 {
     if (std::ranges::equal(lines, m_lines.span())) {

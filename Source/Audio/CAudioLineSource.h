@@ -42,6 +42,11 @@ public:
     }
     /// What of the samples is heard where the lines go. Blocks in the thinned form are for `half` alone.
     [[nodiscard]] ELineHearing hearing() const;
+    /// Whether the lines go where samples are dropped, now or at another time.
+    [[nodiscard]] bool isThinned() const;
+    /// Whether zeros were put between the samples; as long as the owner lives.
+    [[nodiscard]] bool isStuffing() const { return m_isStuffing; }
+    void setStuffing(bool isStuffing) { m_isStuffing = isStuffing; }
     /// Where the lines go in planned blocks, by ascending index. From now on `changes` hears of other lines and links.
     void setRoutes(std::span<const CAudioLineRoute> routes, CAudioGraphChanges& changes);
 
@@ -53,6 +58,7 @@ private:
     CArray<CAudioLineRoute> m_routes;
     CArray<std::size_t> m_routeEnds; ///< behind the last route of each line
     CAudioGraphChanges* m_changes = nullptr;
+    bool m_isStuffing = false;
 };
 
 } // namespace qrb

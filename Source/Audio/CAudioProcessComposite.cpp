@@ -101,6 +101,8 @@ bool CAudioProcessComposite::takesForm(ESampleForm) const
 void CAudioProcessComposite::runSequence()
 {
     m_innerOutput.setHearing(output().hearing());
+    m_innerOutput.setThinning(output().isThinned());
+    m_innerInput.setStuffing(input().isStuffed());
     for (CAudioProcessBase* node : m_sequence) {
         node->process();
     }

@@ -12,6 +12,8 @@ namespace qrb {
 /// Blocks have an even length. Lines of an odd latency get a sample more, so that it is whole behind the node too.
 class CModDecimator : public CAudioProcessBase {
 public:
+    CModDecimator() { input().setThinning(true); }
+
     void reset() override;
     void update() override;
 

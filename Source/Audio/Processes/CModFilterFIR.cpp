@@ -3,13 +3,16 @@
 
 #include "Audio/CAudioParamAllocDef.h"
 #include "Audio/CAudioParamStorage.h"
+#include "Audio/CSampleBufferPool.h"
 #include "Audio/Filters/CAudioFilterGenArray.h"
 #include "Core/CLog.h"
 #include "Core/CNumberText.h"
 #include "Core/CProcessState.h"
+#include "Platform/CBlockTransformPool.h"
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace qrb {
 
@@ -64,6 +67,8 @@ void CModFilterFIRModule::start()
 void CModFilterFIRModule::reset()
 {
     for (CFilterFIR& filter : m_filters)
+        filter.reset();
+    for (CPhasedFIR& filter : m_phased)
         filter.reset();
 }
 
@@ -156,6 +161,9 @@ void CModFilterFIRModule::design(CAudioFilterStageList& list, const CElement& el
 
 void CModFilterFIRModule::setTaps(std::span<const double> taps)
 {
+    m_taps.clear();
+    m_taps.appendAll(taps);
+    m_phased.clear();
     platform::CBlockTransformPool& plans = *processState().blockTransforms;
     for (CFilterFIR& filter : m_filters) {
         if (m_isZeroLatency)
@@ -165,14 +173,76 @@ void CModFilterFIRModule::setTaps(std::span<const double> taps)
     }
 }
 
+bool CModFilterFIRModule::canPhase() const
+{
+    return m_isZeroLatency || m_request.log2Block >= CPhasedFIR::kMinLog2Block;
+}
+
+bool CModFilterFIRModule::takesForm(ESampleForm form) const
+{
+    return form == ESampleForm::whole || (form == ESampleForm::stuffed && (m_taps.empty() || canPhase()));
+}
+
+bool CModFilterFIRModule::isPhased()
+{
+    if (!canPhase() || blockLength() % 2 != 0)
+        return false;
+    if (!m_phased.empty())
+        return true;
+    if (!node().output().isThinned() && !node().input().isStuffed())
+        return false;
+    platform::CBlockTransformPool& plans = *processState().blockTransforms;
+    m_phased.resize(m_filters.size());
+    for (CPhasedFIR& filter : m_phased) {
+        if (m_isZeroLatency)
+            filter.setZeroLatency(m_taps.span(), plans);
+        else
+            filter.setPartitioned(m_taps.span(), m_request.log2Block, plans);
+    }
+    return true;
+}
+
+void CModFilterFIRModule::runPhased(int index)
+{
+    const CSampleBuffer& buffer = line(0, index)->buffer;
+    const int pairs = blockLength() / 2;
+    const auto count = static_cast<std::size_t>(pairs);
+    CSampleBuffer even = pool().get(pairs);
+    CSampleBuffer odd = pool().get(pairs);
+    const double* const in = std::as_const(buffer).data();
+    const bool isStuffed = buffer.form() == ESampleForm::stuffed;
+    if (isStuffed)
+        std::transform(in, in + count, even.data(), [](double sample) { return 2.0 * sample; });
+    else
+        convolverKernels().takeApart(in, even.data(), odd.data(), count);
+    CPhasedFIR& filter = m_phased[static_cast<std::size_t>(index)];
+    const CPhasesIn phases{even.data(), isStuffed ? nullptr : odd.data()};
+    if (node().output().hearing() == ELineHearing::half) {
+        filter.process(phases, {writeThinned(index), nullptr}, count);
+        return;
+    }
+    CSampleBuffer evenOut = pool().get(pairs);
+    CSampleBuffer oddOut = pool().get(pairs);
+    filter.process(phases, {evenOut.data(), oddOut.data()}, count);
+    convolverKernels().interleave(evenOut.data(), oddOut.data(), writeOutput(index), count);
+}
+
 void CModFilterFIRModule::process()
 {
-    for (int i = 0; i < outputCount(); ++i) {
-        CFilterFIR& filter = m_filters[static_cast<std::size_t>(i)];
-        if (filter.empty())
+    if (m_taps.empty()) {
+        for (int i = 0; i < outputCount(); ++i)
             passInput(0, i, i);
-        else
-            filter.process(input(0, i), writeOutput(i), static_cast<std::size_t>(blockLength()));
+        return;
+    }
+    if (isPhased()) {
+        for (int i = 0; i < outputCount(); ++i)
+            runPhased(i);
+        return;
+    }
+    for (int i = 0; i < outputCount(); ++i) {
+        const CSampleBuffer whole = pool().getWhole(line(0, i)->buffer, blockLength());
+        m_filters[static_cast<std::size_t>(i)].process(whole.data(), writeOutput(i),
+                                                       static_cast<std::size_t>(blockLength()));
     }
 }
 

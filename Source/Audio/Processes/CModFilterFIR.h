@@ -4,6 +4,7 @@
 #include "Audio/CAudioProcessTerminal.h"
 #include "Audio/Filters/CAudioFilterParams.h"
 #include "Audio/Filters/CFilterFIR.h"
+#include "Audio/Filters/CPhasedFIR.h"
 #include "Audio/Processes/CModDef.h"
 
 namespace qrb {
@@ -22,6 +23,8 @@ class CAudioFilterStageList;
 /// With the attribute `is-zero-latency` the first taps run directly and the output is not late; only the design's own
 /// latency counts. New values make a new filter, which starts as if its first sample had always been: a node relies on
 /// its crossfade. Where the design is not exactly one finite stage the signal passes, by reference.
+///
+/// Beside a rate changer the samples at even and at odd places run apart, so that zeros and what nobody hears cost nothing.
 class CModFilterFIRModule : public CAudioModule {
 public:
     void regParams() override;
@@ -29,6 +32,7 @@ public:
     void reset() override;
     void update() override;
     void process() override;
+    [[nodiscard]] bool takesForm(ESampleForm form) const override;
 
 private:
     static constexpr std::size_t kPointLists = 3;
@@ -61,6 +65,10 @@ private:
     void build();
     void design(CAudioFilterStageList& list, const CElement& element) const;
     void setTaps(std::span<const double> taps);
+    [[nodiscard]] bool canPhase() const;
+    /// Whether the lines run in phases from now on; makes what that needs.
+    [[nodiscard]] bool isPhased();
+    void runPhased(int index);
 
     CAudioParamSlot m_count;
     CAudioParamSlot m_index;
@@ -71,7 +79,9 @@ private:
     const CAudioFilterGenArray* m_array = nullptr;
     bool m_isZeroLatency = false;
     CRequest m_request;
+    CArray<double> m_taps;
     CArray<CFilterFIR, 1> m_filters; ///< one a line
+    CArray<CPhasedFIR, 1> m_phased;  ///< empty as long as no rate changer is beside
 };
 
 class CModFilterFIR : public CAudioProcessTerminal<CModFilterFIRModule> {};

@@ -8,6 +8,8 @@ namespace qrb {
 /// Doubles the sample rate by zeros between the samples; a filter behind it takes the images away.
 class CModInterpolator : public CAudioProcessBase {
 public:
+    CModInterpolator() { output().setStuffing(true); }
+
     void update() override;
 
 protected:

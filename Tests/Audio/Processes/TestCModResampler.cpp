@@ -289,22 +289,25 @@ TEST(CModResampler, SamplesThatNobodyHeardComeBackTheSameHoweverBlocksAreCut)
                                "<audio:param-alloc name='index' index='0' param-name='^late'/>"
                                "<audio:modDelay name='even' latency='2'/><audio:modDelay name='odd' latency='3'/>"
                                "</audio:modProcessSwitch>";
-    CSignal reference;
-    for (const int block : {64, 1, 17, 512}) {
-        CResampleRig rig(paramXml("late", "0") + kUp + delays + kDown, 3, false);
-        rig.input = [](int line, int sample) { return std::sin(0.37 * sample * (line + 1)); };
-        CSignal out;
-        for (const double late : {0.0, 1.0, 0.0, 1.0}) {
-            rig.set("late", late);
-            for (const int count : {301, 1}) { // the second one ends in a block of its own
-                const CSignal part = rig.run(count, block).at(0);
-                out.insert(out.end(), part.begin(), part.end());
+    for (const bool isLinearPhase : {false, true}) {
+        CSignal reference;
+        for (const int block : {64, 1, 17, 512}) {
+            CResampleRig rig(paramXml("late", "0") + kUp + delays + kDown, 3, isLinearPhase);
+            rig.input = [](int line, int sample) { return std::sin(0.37 * sample * (line + 1)); };
+            CSignal out;
+            for (const double late : {0.0, 1.0, 0.0, 1.0}) {
+                rig.set("late", late);
+                for (const int count : {301, 1}) { // the second one ends in a block of its own
+                    const CSignal part = rig.run(count, block).at(0);
+                    out.insert(out.end(), part.begin(), part.end());
+                }
             }
+            if (reference.empty())
+                reference = out;
+            const auto differing = std::ranges::mismatch(out, reference);
+            EXPECT_EQ(differing.in1, out.end())
+                << "linear " << isLinearPhase << ", blocks of " << block << ", sample " << differing.in1 - out.begin();
         }
-        if (reference.empty())
-            reference = out;
-        const auto differing = std::ranges::mismatch(out, reference);
-        EXPECT_EQ(differing.in1, out.end()) << "blocks of " << block << ", sample " << differing.in1 - out.begin();
     }
 }
 
