@@ -67,18 +67,28 @@ void report(benchmark::State& state)
                                                     benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
+/// The filters of both ways.
+struct CBanks {
+    explicit CBanks(int stages)
+    {
+        for (int stage = 0; stage < stages; ++stage) {
+            for (qrb::CFilterBank* bank : {&up[stage], &down[stage]}) {
+                bank->setLineCount(kLines);
+                bank->apply(makeFilter(stage == 0), 44100.0 * (2 << stage));
+            }
+        }
+    }
+
+    qrb::CFilterBank up[kMaxStages];
+    qrb::CFilterBank down[kMaxStages];
+};
+
 void plainUpAndDown(benchmark::State& state)
 {
     const int stages = static_cast<int>(state.range(0));
     CRates rates;
-    qrb::CFilterBank up[kMaxStages];
-    qrb::CFilterBank down[kMaxStages];
-    for (int stage = 0; stage < stages; ++stage) {
-        for (qrb::CFilterBank* bank : {&up[stage], &down[stage]}) {
-            bank->setLineCount(kLines);
-            bank->apply(makeFilter(stage == 0), 44100.0 * (2 << stage));
-        }
-    }
+    CBanks banks(stages);
+    auto& [up, down] = banks;
     for (auto _ : state) {
         for (int stage = 0; stage < stages; ++stage) {
             for (std::size_t i = 0; i < kLines; ++i)
@@ -99,14 +109,8 @@ void recursiveUpAndDown(benchmark::State& state)
 {
     const int stages = static_cast<int>(state.range(0));
     CRates rates;
-    qrb::CFilterBank up[kMaxStages];
-    qrb::CFilterBank down[kMaxStages];
-    for (int stage = 0; stage < stages; ++stage) {
-        for (qrb::CFilterBank* bank : {&up[stage], &down[stage]}) {
-            bank->setLineCount(kLines);
-            bank->apply(makeFilter(stage == 0), 44100.0 * (2 << stage));
-        }
-    }
+    CBanks banks(stages);
+    auto& [up, down] = banks;
     for (auto _ : state) {
         double* lines[kMaxStages + 1][kLines];
         for (int rate = 0; rate <= stages; ++rate)

@@ -52,7 +52,7 @@ private:
 };
 
 /// Adds to `previous`, or to a new error when that is null: the message unless it is empty, then the trace line.
-/// A message is "@qrbstr_Key Text with %1": the key up to the first blank is not shown, placeholders are filled from `args`.
+/// A message is "@qrbstr_Key Text with %1": the key up to the first blank is not shown, %1 to %9 are filled from `args`.
 CErrorPtr makeError(CErrorPtr previous, const char* sourceFile, int sourceLine, const CString& objectName,
                     const char* message, std::initializer_list<CMessageArg> args = {});
 

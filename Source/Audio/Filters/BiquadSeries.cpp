@@ -2,6 +2,7 @@
 #include "Audio/Filters/BiquadSeriesKernels.h"
 
 #include "Audio/Filters/FilterKernels.h"
+#include "Audio/VectorWidth.h"
 
 #include <algorithm>
 
@@ -110,15 +111,10 @@ const CBiquadSeriesKernels& pairBiquadSeriesKernels()
     return pairs::kKernels;
 }
 
-bool hasQuadBiquadSeriesKernels()
-{
-    return __builtin_cpu_supports("avx2");
-}
-
 const CBiquadSeriesKernels& biquadSeriesKernels()
 {
     static const CBiquadSeriesKernels& best =
-        hasQuadBiquadSeriesKernels() ? quadBiquadSeriesKernels() : pairs::kKernels;
+        hasVectorWidth(EVectorWidth::quads) ? quadBiquadSeriesKernels() : pairs::kKernels;
     return best;
 }
 

@@ -26,7 +26,6 @@ struct CBiquadSeriesKernels {
 [[nodiscard]] const CBiquadSeriesKernels& pairBiquadSeriesKernels();
 /// Only where the processor has AVX2.
 [[nodiscard]] const CBiquadSeriesKernels& quadBiquadSeriesKernels();
-[[nodiscard]] bool hasQuadBiquadSeriesKernels();
 /// The fastest for this processor. Thread: any.
 [[nodiscard]] const CBiquadSeriesKernels& biquadSeriesKernels();
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/Filters/ConvolverKernels.h"
 
+#include "Audio/VectorWidth.h"
 #include "Platform/CBlockTransformPlan.h"
 
 #include <algorithm>
@@ -169,14 +170,10 @@ const CConvolverKernels& pairConvolverKernels()
     return pairs::kKernels;
 }
 
-bool hasQuadConvolverKernels()
-{
-    return __builtin_cpu_supports("avx2");
-}
-
 const CConvolverKernels& convolverKernels()
 {
-    static const CConvolverKernels& best = hasQuadConvolverKernels() ? quadConvolverKernels() : pairs::kKernels;
+    static const CConvolverKernels& best =
+        hasVectorWidth(EVectorWidth::quads) ? quadConvolverKernels() : pairs::kKernels;
     return best;
 }
 

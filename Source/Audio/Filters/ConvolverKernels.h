@@ -55,7 +55,6 @@ struct CConvolverKernels {
 [[nodiscard]] const CConvolverKernels& pairConvolverKernels();
 /// Only where the processor has AVX2.
 [[nodiscard]] const CConvolverKernels& quadConvolverKernels();
-[[nodiscard]] bool hasQuadConvolverKernels();
 /// The fastest for this processor. Thread: any.
 [[nodiscard]] const CConvolverKernels& convolverKernels();
 

@@ -2,6 +2,7 @@
 #include "Audio/Filters/HalfBandKernels.h"
 
 #include "Audio/Filters/HalfBandState.h"
+#include "Audio/VectorWidth.h"
 
 namespace qrb {
 
@@ -49,14 +50,9 @@ const CHalfBandKernels& pairHalfBandKernels()
     return pairs::kKernels;
 }
 
-bool hasQuadHalfBandKernels()
-{
-    return __builtin_cpu_supports("avx2");
-}
-
 const CHalfBandKernels& halfBandKernels()
 {
-    static const CHalfBandKernels& best = hasQuadHalfBandKernels() ? quadHalfBandKernels() : pairs::kKernels;
+    static const CHalfBandKernels& best = hasVectorWidth(EVectorWidth::quads) ? quadHalfBandKernels() : pairs::kKernels;
     return best;
 }
 

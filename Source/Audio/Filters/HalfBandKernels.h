@@ -24,7 +24,6 @@ struct CHalfBandKernels {
 [[nodiscard]] const CHalfBandKernels& pairHalfBandKernels();
 /// Only where the processor has AVX2.
 [[nodiscard]] const CHalfBandKernels& quadHalfBandKernels();
-[[nodiscard]] bool hasQuadHalfBandKernels();
 /// The fastest for this processor. Thread: any.
 [[nodiscard]] const CHalfBandKernels& halfBandKernels();
 

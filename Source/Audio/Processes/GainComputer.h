@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Audio/Processes/VectorWidth.h"
+#include "Audio/VectorWidth.h"
 
 #include <cstddef>
 

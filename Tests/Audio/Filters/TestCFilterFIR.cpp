@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/Filters/CFilterFIR.h"
 #include "Audio/Filters/CPhasedFIR.h"
+#include "Audio/VectorWidth.h"
 #include "Core/CQrbMemAllocator.h"
 #include "Platform/CBlockTransformPool.h"
 
@@ -291,7 +292,7 @@ TEST_F(FilterFIR, WiderKernelsGiveTheBitsOfThePlainLoop)
     };
     const CSignal plain = result(plainConvolverKernels());
     EXPECT_EQ(result(pairConvolverKernels()), plain);
-    if (hasQuadConvolverKernels()) {
+    if (hasVectorWidth(EVectorWidth::quads)) {
         EXPECT_EQ(result(quadConvolverKernels()), plain);
     }
 }

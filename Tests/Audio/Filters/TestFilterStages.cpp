@@ -3,6 +3,7 @@
 #include "Audio/Filters/FilterKernels.h"
 #include "Audio/Filters/HalfBandKernels.h"
 #include "Audio/Filters/HalfBandState.h"
+#include "Audio/VectorWidth.h"
 #include "Tests/Audio/Filters/FilterWorld.h"
 
 #include <algorithm>
@@ -224,7 +225,7 @@ TEST_F(FilterStages, HalfBandsThatChangeTheRateGiveTheBitsOfTheStageAroundTheZer
 {
     constexpr std::size_t kSteps = kLength / 2;
     for (const CHalfBandKernels* kernels :
-         {&pairHalfBandKernels(), hasQuadHalfBandKernels() ? &quadHalfBandKernels() : nullptr}) {
+         {&pairHalfBandKernels(), hasVectorWidth(EVectorWidth::quads) ? &quadHalfBandKernels() : nullptr}) {
         for (std::size_t trial = 0; kernels != nullptr && trial < 40; ++trial) {
             const std::size_t count = 1 + trial / 5;
             const std::size_t lines = 1 + trial % 5;
@@ -317,7 +318,7 @@ TEST_F(FilterStages, SideBySideAndInSeriesGiveTheBitsOfStagesAlone)
 TEST_F(FilterStages, BiquadsThatRunSkewedGiveTheBitsOfStagesAlone)
 {
     for (const CBiquadSeriesKernels* kernels :
-         {&pairBiquadSeriesKernels(), hasQuadBiquadSeriesKernels() ? &quadBiquadSeriesKernels() : nullptr}) {
+         {&pairBiquadSeriesKernels(), hasVectorWidth(EVectorWidth::quads) ? &quadBiquadSeriesKernels() : nullptr}) {
         for (std::size_t trial = 0; kernels != nullptr && trial < 60; ++trial) {
             const char* name = std::array{"rbj0", "rbj1", "rbj2", "rbj4", "rbj6"}[trial % 5];
             const std::size_t stages = 1 + trial / 5 % 6;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Audio/Processes/VectorWidth.h"
+#include "Audio/VectorWidth.h"
 
 namespace qrb {
 
