@@ -8,6 +8,7 @@
 #include "Tests/Support/CTempFolders.h"
 #include "Tests/Support/CTestModule.h"
 
+#include <atomic>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
@@ -18,7 +19,7 @@ namespace qrb {
 /// History that counts what it tells.
 class CTestUndo : public CAudioParamUndo {
 public:
-    int changeCount = 0;
+    std::atomic<int> changeCount = 0; ///< told by whichever thread makes a change
 
     /// The list, joined with "|", and the position behind it.
     [[nodiscard]] std::string text() const;
