@@ -29,6 +29,10 @@
 #include "Audio/Filters/CAudioFilterRBJGen.h"
 #include "Audio/Filters/CAudioFilterSerialGen.h"
 #include "Audio/Filters/CAudioFilterSerialGenItem.h"
+#include "Audio/Interface/CAudioInterfaceBase.h"
+#include "Audio/Interface/CAudioInterfaceClient.h"
+#include "Audio/Interface/CParamInterfaceBaseConnectorUni.h"
+#include "Audio/Interface/CParamInterfaceClientConnectorUni.h"
 #include "Audio/ParamFilters/CAudioParamFilterAComp.h"
 #include "Audio/ParamFilters/CAudioParamFilterBypassGroupSolo.h"
 #include "Audio/ParamFilters/CAudioParamFilterBypassMS.h"
@@ -94,6 +98,8 @@ std::span<const CCreatorRow> audioCreators()
         creatorRow<CAudioFilterRBJGen>("audio:fltgen-rbj"),
         creatorRow<CAudioFilterSerialGen>("audio:fltgen-serial"),
         creatorRow<CAudioFilterSerialGenItem>("audio:fltgen-serial-item"),
+        creatorRow<CAudioInterfaceBase>("audio:interface-base"),
+        creatorRow<CAudioInterfaceClient>("audio:interface-client"),
         creatorRow<CModAbsDef>("audio:modAbs"),
         creatorRow<CModAlphaCompDef>("audio:modAlphaComp"),
         creatorRow<CModAlphaEnvDef>("audio:modAlphaEnv"),
@@ -140,6 +146,8 @@ std::span<const CCreatorRow> audioCreators()
         creatorRow<CAudioProcessLinkDef>("audio:process-link"),
         creatorRow<CAudioVizCollector>("audio:viz-collector"),
         creatorRow<CAudioVizSlotManager>("audio:viz-slot-manager"),
+        creatorRow<CParamInterfaceBaseConnectorUni>("other:param-interface-base-connector-uni"),
+        creatorRow<CParamInterfaceClientConnectorUni>("other:param-interface-client-connector-uni"),
         creatorRow<CVizExchange>("ui:viz-exchange"),
     };
     return kRows;

@@ -13,6 +13,13 @@ CObjectAttr CObjectAttr::none()
     return attr;
 }
 
+CObjectAttr CObjectAttr::pointer(void* address)
+{
+    CObjectAttr attr = none();
+    attr.m_pointer = address;
+    return attr;
+}
+
 CString CObjectAttr::toString(const CString& def) const
 {
     return m_type == EType::empty ? def : cachedText();

@@ -24,6 +24,8 @@ public:
     explicit CObjectAttr(CTextRef&& text) : m_text(std::move(text)), m_type(EType::string) {}
     /// The value that nothing converts to.
     [[nodiscard]] static CObjectAttr none();
+    /// An address that code hands to code, such as to the root of a tree; nothing converts to or from it.
+    [[nodiscard]] static CObjectAttr pointer(void* address);
 
     [[nodiscard]] EType type() const { return m_type; }
 
@@ -32,6 +34,8 @@ public:
     [[nodiscard]] bool toBool(bool def = false) const;
     [[nodiscard]] std::int32_t toInt(std::int32_t def = 0) const;
     [[nodiscard]] double toDouble(double def = 0.0) const;
+    /// The address that was given; null in every other value.
+    [[nodiscard]] void* toPointer() const { return m_pointer; }
 
     /// The text of a string value, or an empty reference.
     [[nodiscard]] const CTextRef& textRef() const { return m_text; }
@@ -45,6 +49,7 @@ private:
 
     mutable CTextRef m_text;       ///< a string's value; the cached text of another type
     mutable double m_number = 0.0; ///< boolean, number, integer; the cached number of a string
+    void* m_pointer = nullptr;
     EType m_type = EType::empty;
     mutable bool m_hasNumber = false;   ///< m_number holds the number form
     mutable bool m_isNotNumber = false; ///< a string that was tried and is no number

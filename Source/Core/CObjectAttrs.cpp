@@ -18,7 +18,8 @@ constexpr int kMaxAnswers = 8; // bound objects that answer each other without e
 
 bool isSame(const CObjectAttr& a, const CObjectAttr& b)
 {
-    return a.type() == b.type() && a.toDouble() == b.toDouble() && a.toString() == b.toString();
+    return a.type() == b.type() && a.toDouble() == b.toDouble() && a.toString() == b.toString() &&
+           a.toPointer() == b.toPointer();
 }
 
 } // namespace

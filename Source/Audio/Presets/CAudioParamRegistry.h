@@ -61,6 +61,7 @@ public:
     CErrorPtr acquireBank(bool isFactory, COutputStream& out);
     /// Makes a preset payload what resets return to. Master only.
     CErrorPtr setDefaultPreset(CInputStream& in);
+    CErrorPtr setDefaultPreset(const CAudioPreset& preset);
     /// The preset that the parameters make up now, of one group or of all (-1).
     [[nodiscard]] CAudioPreset capture(std::int32_t group);
 

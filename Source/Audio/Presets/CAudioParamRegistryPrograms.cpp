@@ -207,6 +207,13 @@ CErrorPtr CAudioParamRegistry::setDefaultPreset(CInputStream& in)
         return {};
     CAudioPreset preset;
     QRB_TRY(preset.load(in));
+    return setDefaultPreset(preset);
+}
+
+CErrorPtr CAudioParamRegistry::setDefaultPreset(const CAudioPreset& preset)
+{
+    if (!m_isMaster)
+        return {};
     QRB_TRY(checkId(preset));
     const CAudioPresetGuard presetGuard(*m_collector);
     const CAudioParamGuard guard(*m_collector);
