@@ -30,8 +30,7 @@ public:
     /// way. Thread: the owner's.
     void setDataProvider(CAudioInterfaceDataProvider* provider);
 
-    // Calls of the instance, which reach all clients. Thread: the owner's, or the audio thread while it starts and stops;
-    // no lock is held.
+    // Calls of the instance, which reach all clients. Thread: any but audio, with no lock held.
 
     void startViz();
     void stopViz();

@@ -76,6 +76,8 @@ std::uint64_t CParamInterfaceQueue::hash(std::span<const std::uint8_t> key)
 
 void CParamInterfaceQueue::append(CByteArray&& message)
 {
+    if (m_isOverrun)
+        return;
     CEntry entry;
     entry.message = std::move(message);
     entry.serial = ++m_lastSerial;

@@ -25,7 +25,7 @@ public:
     /// False if no message waits.
     [[nodiscard]] bool takeFirst(CByteArray& out);
 
-    /// Whether messages have been dropped since the last call.
+    /// Whether messages have been dropped since the last call; until it, all are.
     [[nodiscard]] bool takeOverrun();
     [[nodiscard]] std::size_t byteCount() const { return m_bytes; }
     [[nodiscard]] std::size_t size() const { return m_entries.size(); }
