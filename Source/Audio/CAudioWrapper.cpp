@@ -6,6 +6,7 @@
 #include "Audio/CAudioProcessBase.h"
 #include "Audio/CAudioProcessDefBase.h"
 #include "Audio/CSampleBufferPool.h"
+#include "Audio/Interface/CAudioInterfaceBase.h"
 #include "Audio/Presets/CAudioParamRegistry.h"
 #include "Audio/Processes/CModOutput.h"
 #include "Audio/Viz/CAudioVizCollector.h"
@@ -50,6 +51,10 @@ CAudioWrapper::CAudioWrapper() = default;
 
 CAudioWrapper::~CAudioWrapper()
 {
+    if (m_interfaceBase != nullptr) {
+        m_interfaceBase->setDataProvider(nullptr);
+        m_interfaceBase->disconnect();
+    }
     m_plan.clear();
     m_inputSource.disconnectAll();
     m_lastNode.reset();
@@ -79,6 +84,8 @@ CErrorPtr CAudioWrapper::init()
     setOutputs({.channelCount = 1});
     readSettings();
     setOffline(false);
+    if (m_interfaceBase != nullptr)
+        m_interfaceBase->setDataProvider(this);
     const double now = platform::clockSeconds();
     logFormat("CAudioWrapper init time: %.4f s @ %.4f s", now - begin, now - processState().clockBase);
     return nullptr;
@@ -102,6 +109,7 @@ CErrorPtr CAudioWrapper::findObjects()
     QRB_TRY(m_root->findObjectChecked("plugin.param-collector", m_paramCollector));
     m_paramRegistry = dynamic_cast<CAudioParamRegistry*>(m_root->findObject("plugin.param-registry"));
     m_vizCollector = dynamic_cast<CAudioVizCollector*>(m_root->findObject("plugin.viz-collector"));
+    m_interfaceBase = dynamic_cast<CAudioInterfaceBase*>(m_root->findObject("plugin.interface-base"));
     return nullptr;
 }
 
@@ -153,6 +161,7 @@ void CAudioWrapper::setSampleRate(double rate)
         m_env->setSampleRate(rate);
         m_isReconfigureDue = true;
     }
+    m_isSetupNew = true;
     updateOversamplingMode();
 }
 
@@ -174,6 +183,9 @@ void CAudioWrapper::setChannelCounts(int main, int sidechain)
     m_inputFormat.channelCount = main;
     m_sidechainFormat.channelCount = sidechain;
     m_isReconfigureDue = true;
+    m_toldInputs = main;
+    m_toldSidechain = sidechain;
+    m_isSetupNew = true;
 }
 
 void CAudioWrapper::setOutputs(const CHostBusFormat& format)
@@ -182,6 +194,8 @@ void CAudioWrapper::setOutputs(const CHostBusFormat& format)
         const platform::CScopedLock guard(m_env->lock());
         m_isReconfigureDue = true;
     }
+    if (m_toldOutputs.exchange(format.channelCount) != format.channelCount)
+        m_isSetupNew = true;
     m_outputNode->setFormat(format);
 }
 
@@ -194,6 +208,7 @@ void CAudioWrapper::start()
         m_env->setActive(true);
     }
     primeGraph();
+    setClientsActive(true);
 }
 
 void CAudioWrapper::stop()
@@ -209,6 +224,7 @@ void CAudioWrapper::stop()
     m_outputNode->reset();
     if (m_vizCollector != nullptr)
         m_vizCollector->flush();
+    setClientsActive(false);
 }
 
 void CAudioWrapper::setOffline(bool isOffline)
@@ -280,6 +296,7 @@ bool CAudioWrapper::isActive() const
 
 void CAudioWrapper::runIdle()
 {
+    tellSetup();
     m_paramCollector->runDeferred();
 }
 

@@ -7,7 +7,7 @@
 #include "Audio/CHostBusFormat.h"
 #include "Audio/CHostParam.h"
 #include "Audio/CPluginProject.h"
-#include "Core/CCheckedObject.h"
+#include "Audio/Interface/CAudioInterfaceDataProvider.h"
 #include "Core/CError.h"
 #include "Core/CString.h"
 
@@ -19,6 +19,7 @@
 namespace qrb {
 
 class CAudioEnv;
+class CAudioInterfaceBase;
 class CAudioParamCollector;
 class CAudioParamRegistry;
 class CAudioProcessBase;
@@ -32,7 +33,7 @@ class CSampleBufferPool;
 /// One instance of the plug-in, whatever the host: its object tree, its two top process nodes and the main loop.
 /// A binding derives from it and forwards the host's calls. Created stopped; init() once, then any number of start and
 /// stop pairs. Owner: the thread that runs init(), the host's main thread; what runs elsewhere says so.
-class CAudioWrapper : public CCheckedObject {
+class CAudioWrapper : public CAudioInterfaceDataProvider {
 public:
     /// Most samples that the graph gets at once; longer blocks are cut.
     static constexpr int kMaxSubBlock = 512;
@@ -91,6 +92,19 @@ public:
     /// Does what blocks have left for the owner's thread: listeners, application data. To be called from time to time.
     void runIdle();
 
+    // What clients of the interface are told of the instance. Thread: any.
+    [[nodiscard]] std::int32_t getInternalChannelCount() override { return m_project.internalChannelCount; }
+    [[nodiscard]] std::int32_t getGroupCount() override { return m_project.groupCount; }
+    [[nodiscard]] std::int32_t getInputChannelCount() override { return m_toldInputs; }
+    [[nodiscard]] std::int32_t getOutputChannelCount() override { return m_toldOutputs; }
+    [[nodiscard]] std::int32_t getSidechainChannelCount() override { return m_toldSidechain; }
+    [[nodiscard]] double getSampleRate() override;
+    /// Nothing, for a binding that has no gestures to tell.
+    void onBeginChange(CAudioParam& param, std::int32_t group, std::int32_t element) override;
+    void onEndChange(CAudioParam& param, std::int32_t group, std::int32_t element) override;
+    /// Nothing, for a binding that knows no labels.
+    void importChannelLabels() override;
+
     [[nodiscard]] const CPluginProject& project() const { return m_project; }
     [[nodiscard]] CObject& root() { return *m_root; }
     [[nodiscard]] CAudioEnv& env() { return *m_env; }
@@ -112,6 +126,8 @@ private:
     void setChannelCounts(int main, int sidechain);
     void updateOversamplingMode();
     void flushHostParams();
+    void tellSetup();
+    void setClientsActive(bool isActive);
 
     void announceInputs();
     void primeGraph();
@@ -129,7 +145,8 @@ private:
     CAudioEnv* m_env = nullptr;
     CAudioParamCollector* m_paramCollector = nullptr;
     CAudioParamRegistry* m_paramRegistry = nullptr;
-    CAudioVizCollector* m_vizCollector = nullptr; ///< null in a product without visualisation
+    CAudioVizCollector* m_vizCollector = nullptr;   ///< null in a product without visualisation
+    CAudioInterfaceBase* m_interfaceBase = nullptr; ///< null in a product without editor
 
     std::unique_ptr<CSampleBufferPool> m_pool; // outlives all that holds its buffers
     CAudioLineSource m_inputSource;
@@ -143,6 +160,11 @@ private:
     CHostBusFormat m_sidechainFormat;
     const void* const* m_sidechainBuffers = nullptr;
     std::atomic<bool> m_isReconfigureDue{true};
+    // For clients of the interface, which ask from other threads.
+    std::atomic<std::int32_t> m_toldInputs{0};
+    std::atomic<std::int32_t> m_toldSidechain{0};
+    std::atomic<std::int32_t> m_toldOutputs{0};
+    std::atomic<bool> m_isSetupNew{false};
     CExternalEventQueue m_events;
 
     bool m_isOffline = false;

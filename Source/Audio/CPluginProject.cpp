@@ -49,6 +49,7 @@ CErrorPtr CPluginProject::read(const CObject& project)
     autoOversamplingMode = project.getAttrInt("auto-oversampling-rtmode");
     useHostBPM = project.getAttrBool("use-host-bpm");
     useSidechain = project.getAttrBool("use-sidechain");
+    isVizAlwaysActive = project.getAttrBool("is-viz-always-active");
     return nullptr;
 }
 

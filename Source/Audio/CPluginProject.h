@@ -28,6 +28,7 @@ struct CPluginProject {
     int autoOversamplingMode = 0;      ///< mode while the host runs in real time, plus 1
     bool useHostBPM = false;
     bool useSidechain = false;
+    bool isVizAlwaysActive = false; ///< visualisation goes on while the plug-in is stopped
 
     /// Replaces everything; on failure the content is undefined.
     CErrorPtr read(const CObject& project);

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What an instance and the clients of its interface tell each other.
+#include "Audio/CAudioEnv.h"
+#include "Audio/CAudioWrapper.h"
+#include "Audio/Interface/CAudioInterfaceBase.h"
+
+namespace qrb {
+
+double CAudioWrapper::getSampleRate()
+{
+    return m_env->sampleRate();
+}
+
+void CAudioWrapper::onBeginChange(CAudioParam&, std::int32_t, std::int32_t) {}
+
+void CAudioWrapper::onEndChange(CAudioParam&, std::int32_t, std::int32_t) {}
+
+void CAudioWrapper::importChannelLabels() {}
+
+void CAudioWrapper::tellSetup()
+{
+    if (m_interfaceBase != nullptr && m_isSetupNew.exchange(false))
+        m_interfaceBase->tellSetup();
+}
+
+void CAudioWrapper::setClientsActive(bool isActive)
+{
+    if (m_interfaceBase == nullptr)
+        return;
+    tellSetup();
+    const bool isAlways = m_project.isVizAlwaysActive;
+    if (!isActive)
+        m_interfaceBase->clearClients();
+    // What is always active starts anew after a stop.
+    if (isActive != isAlways)
+        m_interfaceBase->startViz();
+    else if (!isActive)
+        m_interfaceBase->stopViz();
+}
+
+} // namespace qrb
