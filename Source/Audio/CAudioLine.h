@@ -30,11 +30,13 @@ struct CAudioLine {
         int index = 0; ///< of the line within the connection
     };
 
-    int channel = -1; ///< -1: the slot is free
+    CSampleBuffer buffer;  ///< samples of the running block; empty between blocks
+    int length = 0;        ///< samples of a block that came straight into `buffer`
+    bool isDirect = false; ///< blocks of a plan come straight into `buffer`
+    int channel = -1;      ///< -1: the slot is free
     int group = 0;
     int latency = 0; ///< samples; that of the node, since lines that come early are delayed up to it
     CArray<CSource, 2> sources;
-    CSampleBuffer buffer; ///< samples of the running block; empty between blocks
 };
 
 } // namespace qrb

@@ -7,6 +7,7 @@
 #include "Audio/CAudioProcessConnection.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qrb {
 
@@ -113,18 +114,29 @@ void CAudioLineSource::setRoutes(std::span<const CAudioLineRoute> routes, CAudio
 void CAudioLineSource::send(int index, const CSampleBuffer& buffer, int length)
 {
     if (m_changes != nullptr && m_changes->isPlanned) {
-        const auto line = static_cast<std::size_t>(index);
-        for (std::size_t i = line == 0 ? 0 : m_routeEnds[line - 1]; i < m_routeEnds[line]; ++i) {
-            const CAudioLineRoute& route = m_routes[i];
-            route.line->buffer = buffer;
-            route.line->length = length;
-            route.sink->noteBlock(length);
-        }
+        sendPlanned(index, CSampleBuffer(buffer), length);
         return;
     }
     for (const auto& connection : m_connections) {
         connection->send(index, buffer, length);
     }
+}
+
+void CAudioLineSource::sendPlanned(int index, CSampleBuffer&& buffer, int length)
+{
+    const auto line = static_cast<std::size_t>(index);
+    const std::size_t end = m_routeEnds[line];
+    for (std::size_t i = line == 0 ? 0 : m_routeEnds[line - 1]; i < end; ++i) {
+        const CAudioLineRoute& route = m_routes[i];
+        if (i + 1 < end) {
+            *route.buffer = buffer;
+        } else {
+            *route.buffer = std::move(buffer);
+        }
+        *route.length = length;
+        route.sink->noteBlock(length);
+    }
+    buffer.clear();
 }
 
 } // namespace qrb

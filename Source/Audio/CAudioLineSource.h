@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Audio/CAudioLine.h"
 #include "Audio/CAudioLineRoute.h"
 #include "Audio/CAudioLineSink.h"
 #include "Core/CArray.h"
@@ -35,6 +36,9 @@ public:
     void setLines(std::span<const CAudioLineInfo> lines);
     /// Hands this block of line `index` to every connection that carries it, or along its routes in a planned block.
     void send(int index, const CSampleBuffer& buffer, int length);
+
+    /// The same in a planned block, for a buffer that the sender is done with.
+    void sendPlanned(int index, CSampleBuffer&& buffer, int length);
 
     [[nodiscard]] std::span<const std::unique_ptr<CAudioProcessConnection>> connections() const
     {

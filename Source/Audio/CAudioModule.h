@@ -38,6 +38,10 @@ public:
     virtual void regParams();
     /// Runs blockLength() samples, leaving one output for each line: writeOutput() or passInput().
     virtual void process() = 0;
+    static constexpr int kNoPort = -1;
+    /// The port whose lines, all of them there, are the outputs as they are until the next update(); kNoPort where
+    /// process() has to run.
+    [[nodiscard]] virtual int passedPort() const { return kNoPort; }
     /// The module's kind has a processTogether() of its own.
     [[nodiscard]] virtual bool canRunTogether() const { return false; }
     /// Runs the block for modules of this one's class that do not wait for each other, this one among them; each is

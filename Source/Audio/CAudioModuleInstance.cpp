@@ -179,10 +179,23 @@ CAudioModule& CAudioModuleInstance::beginTogether(int blockLength)
     return *m_active;
 }
 
-void CAudioModuleInstance::endTogether()
+std::span<CSampleBuffer> CAudioModuleInstance::runSettled(int blockLength)
+{
+    m_active->m_blockLength = blockLength;
+    m_active->process();
+    return endSettled();
+}
+
+std::span<CSampleBuffer> CAudioModuleInstance::endSettled()
 {
     fillOutputs(*m_active, m_active->m_blockLength);
-    takeOutputs();
+    return m_active->m_outputs.span();
+}
+
+const CAudioLine* CAudioModuleInstance::passedLine(int index) const
+{
+    const int port = passedPort();
+    return port == CAudioModule::kNoPort ? nullptr : m_active->line(port, index);
 }
 
 void CAudioModuleInstance::takeOutputs()

@@ -53,12 +53,18 @@ public:
     void process(int blockLength, int fadeLength);
     [[nodiscard]] bool canRunTogether() const { return m_active->canRunTogether(); }
     [[nodiscard]] bool canRunInSeries() const { return m_active->canRunInSeries(); }
-    /// The module, ready for CAudioModule::processTogether() or processInSeries(); endTogether() then does the rest of process(). Not while
-    /// it fades.
+    /// The module, ready for CAudioModule::processTogether() or processInSeries(). Not while it fades.
     [[nodiscard]] CAudioModule& beginTogether(int blockLength);
-    void endTogether();
     [[nodiscard]] std::span<CSampleBuffer> outputs() { return m_outputs.span(); }
     void releaseOutputs();
+    /// Runs a block without leaving it in outputs(): its buffers are to be moved from what this gives. Not while it fades.
+    [[nodiscard]] std::span<CSampleBuffer> runSettled(int blockLength);
+    /// The same for a block that ran between beginTogether() and now.
+    [[nodiscard]] std::span<CSampleBuffer> endSettled();
+    /// The input line that is output `index`, by reference, until the next update; or null.
+    [[nodiscard]] const CAudioLine* passedLine(int index) const;
+    /// True once after passedLine() has come to give other lines.
+    [[nodiscard]] bool takePassingChange() { return std::exchange(m_announcedPort, passedPort()) != passedPort(); }
 
 private:
     /// Gives a module the lines of m_channel; true if they, or the sample rate, are others than it had.
@@ -72,6 +78,7 @@ private:
     void runModule(CAudioModule& module, int length) const;
     void fillOutputs(CAudioModule& module, int length) const;
     void takeOutputs();
+    [[nodiscard]] int passedPort() const { return isFading() ? CAudioModule::kNoPort : m_active->passedPort(); }
     [[nodiscard]] CSampleBuffer mix(std::size_t output, int length, int hold, int fade);
     /// The next fade starts within a block of this length, so that it has to be cut there.
     [[nodiscard]] bool isCutNeeded(int blockLength) const
@@ -89,6 +96,7 @@ private:
     int m_channel = kAllLines;
     int m_group = 0;
     int m_announcedLatency = 0;
+    int m_announcedPort = CAudioModule::kNoPort;
     int m_holdLeft = 0;
     int m_fadeLeft = 0;
     bool m_isFadePending = false;

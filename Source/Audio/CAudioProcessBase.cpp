@@ -62,7 +62,12 @@ void CAudioProcessBase::processPlanned()
 {
     runPlannedInputStep();
     processLines();
-    releaseInputs();
+    releasePlannedInputs();
+}
+
+const CAudioLine* CAudioProcessBase::passedLine(int)
+{
+    return nullptr;
 }
 
 void CAudioProcessBase::requestUpdate()

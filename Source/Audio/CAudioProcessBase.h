@@ -72,6 +72,15 @@ public:
 
     /// The first part of processPlanned(): gathers the input buffers.
     void runPlannedInputStep();
+    /// Gives the input buffers of a planned block up.
+    void releasePlannedInputs();
+    /// Notes for the plan which input lines there are, and lets blocks come straight into those that it may.
+    void planInputs();
+    /// Whether blocks can come straight into the line: it has one source, which is not delayed.
+    [[nodiscard]] static bool isAsItComes(const CAudioLine& line);
+    /// The input line that an output line is, by reference, until lines or links change or a structure change is noted;
+    /// null where the node has something to do for it.
+    [[nodiscard]] virtual const CAudioLine* passedLine(int outputLine);
     /// The first part of process(): settles lines and latency, runs update(), gathers the input buffers.
     void runInputStep();
     /// Gives the input buffers of the block up.
@@ -126,6 +135,8 @@ private:
     void alignLines();
     void runDelayedUpdates();
     void gatherBuffers();
+    void gatherLine(CAudioLine& line);
+    void makeWhole(CAudioLine& line);
     [[nodiscard]] CSampleBuffer mergeSources(const CAudioLine& line);
     [[nodiscard]] CSampleBuffer takeBlock(const CAudioLine::CSource& source);
     [[nodiscard]] CSampleBuffer takeSource(const CAudioLine::CSource& source);
@@ -143,6 +154,7 @@ private:
     bool m_isConfigurationRequested = false;
     CAudioLineSink m_input;
     CAudioLineSource m_output;
+    CArray<CAudioLine*, 4> m_plannedLines; ///< of all ports
     CArray<std::unique_ptr<CAudioProcessPort>, 1> m_ports;
     CArray<CDelayedUpdate, 2> m_delayedUpdates;
     CArray<CAudioBoundParam, 4> m_boundParams; ///< sized once, since readers hold addresses in it

@@ -83,7 +83,7 @@ void CAudioProcessComposite::processPlanned()
 {
     runPlannedInputStep();
     sendInner();
-    releaseInputs();
+    releasePlannedInputs();
 }
 
 void CAudioProcessComposite::processLines()

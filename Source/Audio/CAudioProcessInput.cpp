@@ -4,6 +4,7 @@
 #include "Audio/CAudioProcessConnection.h"
 #include "Audio/CAudioProcessDefBase.h"
 #include "Audio/CSampleBufferPool.h"
+#include "Audio/Processes/CDSPModDelay.h"
 
 #include <algorithm>
 #include <span>
@@ -79,7 +80,45 @@ void CAudioProcessBase::runInputStep()
 void CAudioProcessBase::runPlannedInputStep()
 {
     m_blockLength = m_input.takeBlockLength();
-    gatherBuffers();
+    if (m_blockLength == 0) {
+        return;
+    }
+    for (CAudioLine* const line : m_plannedLines) {
+        if (!line->isDirect) {
+            gatherLine(*line);
+        } else if (!line->buffer || line->length != m_blockLength) {
+            line->buffer = pool().getSilence(m_blockLength);
+        } else if (line->buffer.form() != ESampleForm::whole) {
+            makeWhole(*line);
+        }
+    }
+}
+
+void CAudioProcessBase::releasePlannedInputs()
+{
+    for (CAudioLine* const line : m_plannedLines) {
+        line->buffer.clear();
+    }
+}
+
+bool CAudioProcessBase::isAsItComes(const CAudioLine& line)
+{
+    if (line.sources.size() != 1) {
+        return false;
+    }
+    const CAudioLine::CSource& source = line.sources[0];
+    return source.connection->lines()[static_cast<std::size_t>(source.index)].delay == nullptr;
+}
+
+void CAudioProcessBase::planInputs()
+{
+    m_plannedLines.clear();
+    for (const auto& port : m_ports) {
+        for (CAudioLine& line : port->lines()) {
+            line.isDirect = isAsItComes(line);
+            m_plannedLines.append(&line);
+        }
+    }
 }
 
 bool CAudioProcessBase::settleLines()
@@ -152,15 +191,25 @@ void CAudioProcessBase::gatherBuffers()
     }
     for (const auto& port : m_ports) {
         for (CAudioLine& line : port->lines()) {
-            if (line.sources.size() != 1) {
-                line.buffer = mergeSources(line);
-                continue;
-            }
-            line.buffer = takeBlock(line.sources[0]);
-            if (line.buffer.form() != ESampleForm::whole && !takesForm(line.buffer.form())) {
-                line.buffer = pool().getWhole(line.buffer, m_blockLength);
-            }
+            gatherLine(line);
         }
+    }
+}
+
+void CAudioProcessBase::gatherLine(CAudioLine& line)
+{
+    if (line.sources.size() != 1) {
+        line.buffer = mergeSources(line);
+        return;
+    }
+    line.buffer = takeBlock(line.sources[0]);
+    makeWhole(line);
+}
+
+void CAudioProcessBase::makeWhole(CAudioLine& line)
+{
+    if (line.buffer.form() != ESampleForm::whole && !takesForm(line.buffer.form())) {
+        line.buffer = pool().getWhole(line.buffer, m_blockLength);
     }
 }
 

@@ -12,7 +12,8 @@ namespace qrb {
 void CAudioProcessPlan::beginBlock(CAudioProcessBase& root, std::uint32_t paramChanges)
 {
     const bool isQuiet = std::exchange(m_paramChanges, paramChanges) == paramChanges &&
-                         m_changes.requests == m_requests && !root.input().hasChanges();
+                         m_changes.requests == m_requests && m_changes.structure == m_structure &&
+                         !root.input().hasChanges();
     m_changes.isPlanned = m_isEnabled && isMade() && isQuiet;
 }
 

@@ -4,10 +4,10 @@
 #include "Audio/CAudioGraphChanges.h"
 #include "Audio/CAudioLineSource.h"
 #include "Audio/CAudioProcessComposite.h"
+#include "Audio/CAudioProcessConnection.h"
 #include "Audio/CAudioProcessDefBase.h"
 #include "Audio/CAudioProcessPlan.h"
 #include "Audio/CAudioProcessTerminalBase.h"
-#include "Audio/Processes/CDSPModDelay.h"
 
 #include <algorithm>
 
@@ -16,23 +16,41 @@ namespace qrb {
 namespace {
 
 /// A line that several sources or a delay make up has to be put together before it goes on.
-bool isAsItComes(const CAudioLine& line)
-{
-    if (line.sources.size() != 1) {
-        return false;
-    }
-    const CAudioLine::CSource& source = line.sources[0];
-    return source.connection->lines()[static_cast<std::size_t>(source.index)].delay == nullptr;
-}
-
-bool isTransparent(CAudioProcessComposite& node)
+bool isTransparent(CAudioProcessBase& node)
 {
     for (int port = 0; port < node.portCount(); ++port) {
-        if (!std::ranges::all_of(node.lines(port), isAsItComes)) {
+        if (!std::ranges::all_of(node.lines(port), CAudioProcessBase::isAsItComes)) {
             return false;
         }
     }
     return true;
+}
+
+/// Whether a node only hands on what it gets.
+bool isPassing(CAudioProcessBase& node)
+{
+    const auto count = static_cast<int>(node.output().lines().size());
+    for (int line = 0; line < count; ++line) {
+        if (node.passedLine(line) == nullptr) {
+            return false;
+        }
+    }
+    return count > 0 && isTransparent(node);
+}
+
+/// The slot that a connection's line arrives at; null where it is dropped.
+CAudioLine* findSlot(CAudioProcessBase& node, const CAudioProcessConnection& connection, int line)
+{
+    for (int port = 0; port < node.portCount(); ++port) {
+        for (CAudioLine& slot : node.lines(port)) {
+            for (const CAudioLine::CSource& source : slot.sources) {
+                if (source.connection == &connection && source.index == line) {
+                    return &slot;
+                }
+            }
+        }
+    }
+    return nullptr;
 }
 
 bool runsJointly(CAudioProcessBase& node)
@@ -49,6 +67,7 @@ void CAudioProcessPlanner::make(CAudioLineSource& source, CAudioProcessBase& roo
     routeSource(source, kNone);
     for (std::size_t i = 0; i < m_steps.size(); ++i) {
         CAudioProcessBase& node = *m_steps[i].node;
+        node.planInputs();
         auto* composite = dynamic_cast<CAudioProcessComposite*>(&node);
         if (composite == nullptr) {
             routeSource(node.output(), i);
@@ -73,7 +92,7 @@ void CAudioProcessPlanner::collect(CAudioProcessBase& node)
 {
     auto* composite = dynamic_cast<CAudioProcessComposite*>(&node);
     if (composite == nullptr) {
-        m_owners[&node.input()] = {&node, nullptr, addStep(node, runsJointly(node))};
+        m_owners[&node.input()] = {&node, nullptr, isPassing(node) ? kNone : addStep(node, runsJointly(node))};
         return;
     }
     m_owners[&node.input()] = {&node, nullptr, isTransparent(*composite) ? kNone : addStep(node, false)};
@@ -113,8 +132,9 @@ void CAudioProcessPlanner::followInto(CAudioProcessConnection& connection, int l
                                       CArray<CAudioLineRoute, 8>& routes)
 {
     const auto found = m_owners.find(&connection.sink());
-    if (found == m_owners.end() || (found->second.step != kNone && found->second.inside == nullptr)) {
-        routes.append({firstIndex, &connection.lines()[static_cast<std::size_t>(line)], &connection.sink()});
+    CAudioProcessConnection::CLine& from = connection.lines()[static_cast<std::size_t>(line)];
+    if (found == m_owners.end()) {
+        routes.append({firstIndex, &from.buffer, &from.length, &connection.sink()});
         return;
     }
     const COwner& owner = found->second;
@@ -129,17 +149,26 @@ void CAudioProcessPlanner::followInto(CAudioProcessConnection& connection, int l
         follow(owner.node->output(), place, firstIndex, routes);
         return;
     }
-    auto& composite = static_cast<CAudioProcessComposite&>(*owner.node);
-    for (int port = 0; port < composite.portCount(); ++port) {
-        for (const CAudioLine& slot : composite.lines(port)) {
-            const CAudioLine::CSource& source = slot.sources[0];
-            if (source.connection == &connection && source.index == line) {
-                const CAudioProcessComposite::CInnerLine inner = composite.innerLine(slot);
-                if (inner.source != nullptr) {
-                    follow(*inner.source, inner.index, firstIndex, routes);
-                }
-                return;
-            }
+    CAudioLine* const slot = findSlot(*owner.node, connection, line);
+    if (slot == nullptr) {
+        return;
+    }
+    if (owner.step != kNone) {
+        const bool isDirect = CAudioProcessBase::isAsItComes(*slot);
+        routes.append({firstIndex, isDirect ? &slot->buffer : &from.buffer, isDirect ? &slot->length : &from.length,
+                       &connection.sink()});
+        return;
+    }
+    if (auto* composite = dynamic_cast<CAudioProcessComposite*>(owner.node)) {
+        const CAudioProcessComposite::CInnerLine inner = composite->innerLine(*slot);
+        if (inner.source != nullptr) {
+            follow(*inner.source, inner.index, firstIndex, routes);
+        }
+        return;
+    }
+    for (int out = 0; out < static_cast<int>(owner.node->output().lines().size()); ++out) {
+        if (owner.node->passedLine(out) == slot) {
+            follow(owner.node->output(), out, firstIndex, routes);
         }
     }
 }

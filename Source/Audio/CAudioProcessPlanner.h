@@ -9,8 +9,11 @@
 
 namespace qrb {
 
+class CAudioLineSink;
+class CAudioLineSource;
 class CAudioProcessBase;
 class CAudioProcessComposite;
+class CAudioProcessConnection;
 class CAudioProcessPlan;
 struct CAudioGraphChanges;
 

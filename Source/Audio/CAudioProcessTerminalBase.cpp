@@ -55,6 +55,9 @@ void CAudioProcessTerminalBase::update()
             instance->applyUpdate(isSmooth(instance->group(), isChanged, hasTouched), m_fadeLength);
         }
         isLatencyNew |= instance->takeLatencyChange();
+        if (instance->takePassingChange()) {
+            noteStructureChange();
+        }
     }
     if (isLatencyNew) {
         announceLines();
@@ -158,6 +161,49 @@ void CAudioProcessTerminalBase::sendOutputs(CAudioModuleInstance& instance, int&
     if (instance.hasLatencyChange()) {
         requestUpdate(); // a fade that ended has started the next one
     }
+    if (instance.takePassingChange()) {
+        noteStructureChange();
+    }
+}
+
+void CAudioProcessTerminalBase::processPlanned()
+{
+    runPlannedInputStep();
+    int line = 0;
+    for (const auto& instance : m_instances) {
+        if (blockLength() > 0) {
+            runPlanned(*instance, line);
+        }
+    }
+    releasePlannedInputs();
+}
+
+void CAudioProcessTerminalBase::runPlanned(CAudioModuleInstance& instance, int& line)
+{
+    if (!instance.isFading()) {
+        sendSettled(instance.runSettled(blockLength()), line);
+        return;
+    }
+    instance.process(blockLength(), m_fadeLength);
+    sendOutputs(instance, line);
+}
+
+void CAudioProcessTerminalBase::sendSettled(std::span<CSampleBuffer> outputs, int& line)
+{
+    for (CSampleBuffer& buffer : outputs) {
+        output().sendPlanned(line++, std::move(buffer), blockLength());
+    }
+}
+
+const CAudioLine* CAudioProcessTerminalBase::passedLine(int outputLine)
+{
+    for (const auto& instance : m_instances) {
+        if (outputLine < instance->outputCount()) {
+            return instance->passedLine(outputLine);
+        }
+        outputLine -= instance->outputCount();
+    }
+    return nullptr;
 }
 
 bool CAudioProcessTerminalBase::canRunTogether() const
@@ -188,13 +234,12 @@ void CAudioProcessTerminalBase::processTogether(std::span<CAudioProcessBase* con
         int line = 0;
         for (const auto& instance : terminal(node)->m_instances) {
             if (node->blockLength() == length && !instance->isFading()) {
-                instance->endTogether();
+                terminal(node)->sendSettled(instance->endSettled(), line);
             } else if (node->blockLength() > 0) {
-                instance->process(node->blockLength(), terminal(node)->m_fadeLength);
+                terminal(node)->runPlanned(*instance, line);
             }
-            terminal(node)->sendOutputs(*instance, line);
         }
-        node->releaseInputs();
+        node->releasePlannedInputs();
     }
 }
 
@@ -230,11 +275,16 @@ void CAudioProcessTerminalBase::processInSeries(std::span<CAudioProcessBase* con
     auto& first = static_cast<CAudioProcessTerminalBase&>(*nodes[0]);
     first.runPlannedInputStep();
     if (first.blockLength() > 0 && runInSeries(nodes)) {
-        first.releaseInputs();
+        first.releasePlannedInputs();
         return;
     }
-    first.processLines();
-    first.releaseInputs();
+    int line = 0;
+    for (const auto& instance : first.m_instances) {
+        if (first.blockLength() > 0) {
+            first.runPlanned(*instance, line);
+        }
+    }
+    first.releasePlannedInputs();
     for (CAudioProcessBase* const node : nodes.subspan(1)) {
         node->processPlanned();
     }
@@ -254,12 +304,10 @@ bool CAudioProcessTerminalBase::runInSeries(std::span<CAudioProcessBase* const> 
         return false;
     }
     auto& last = static_cast<CAudioProcessTerminalBase&>(*nodes.back());
-    CAudioModuleInstance& instance = *last.m_instances[0];
-    instance.endTogether();
-    for (std::size_t i = 0; i < instance.outputs().size(); ++i) {
-        last.output().send(static_cast<int>(i), instance.outputs()[i], nodes[0]->blockLength());
+    int line = 0;
+    for (CSampleBuffer& buffer : last.m_instances[0]->endSettled()) {
+        last.output().sendPlanned(line++, std::move(buffer), nodes[0]->blockLength());
     }
-    instance.releaseOutputs();
     return true;
 }
 

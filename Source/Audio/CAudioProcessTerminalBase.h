@@ -17,6 +17,8 @@ public:
     [[nodiscard]] CErrorPtr init() override;
     void reset() override;
     void update() override;
+    void processPlanned() override;
+    [[nodiscard]] const CAudioLine* passedLine(int outputLine) override;
 
     /// A new module of the node's kind.
     [[nodiscard]] virtual std::unique_ptr<CAudioModule> createModule() = 0;
@@ -43,6 +45,8 @@ protected:
 
 private:
     [[nodiscard]] static bool runInSeries(std::span<CAudioProcessBase* const> nodes);
+    void runPlanned(CAudioModuleInstance& instance, int& line);
+    void sendSettled(std::span<CSampleBuffer> outputs, int& line);
     void sendOutputs(CAudioModuleInstance& instance, int& line);
     void configureInstances();
     void touchChangedParams();

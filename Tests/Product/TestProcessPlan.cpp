@@ -27,6 +27,10 @@ CChannels playChanges(bool isPlanned, std::size_t blockSize, std::size_t& series
         .at(10000, kGroup + "eq-position=2");
     rig.at(11000, kGroup + "clip-enable=1").at(12000, "io-params.ms-pairs:0:0=MS1");
     rig.at(12000, "io-params.ms-pairs:0:1=MS1").at(13000, kGroup + "gate-enable:0=1").at(14000, "bypass-enable=1");
+    // What only hands lines on comes and goes.
+    rig.at(4300, kGroup + "drymix:0=50").at(4350, kGroup + "drymix:0=100").at(4600, kGroup + "bandsolo:0:1=1");
+    rig.at(4700, kGroup + "comp-keysrc-mon:0:1=1").at(9500, kGroup + "bandsolo:0:1=0");
+    rig.at(10500, kGroup + "drymix:0=0").at(11500, kGroup + "comp-keysrc-mon:0:1=0");
     rig.instance().plan().setEnabled(isPlanned);
     const CChannels out = rig.run(makeNoise(8, 16000), blockSize);
     EXPECT_EQ(rig.instance().plan().isMade(), isPlanned);

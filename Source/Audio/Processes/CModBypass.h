@@ -13,6 +13,7 @@ public:
     void regParams() override;
     void update() override;
     void process() override;
+    [[nodiscard]] int passedPort() const override { return m_isSilent ? kNoPort : m_usesPort0 ? 0 : 1; }
 
 private:
     [[nodiscard]] bool isOutsideSolo() const;

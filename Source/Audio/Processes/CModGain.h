@@ -13,6 +13,7 @@ public:
     void regParams() override;
     void update() override;
     void process() override;
+    [[nodiscard]] int passedPort() const override { return m_isNeutral ? 0 : kNoPort; }
 
 private:
     CAudioParamSlot m_gainSlot;

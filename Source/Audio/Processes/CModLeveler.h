@@ -15,6 +15,7 @@ public:
     void regParams() override;
     void update() override;
     void process() override;
+    [[nodiscard]] int passedPort() const override { return m_isUnlinked ? 0 : kNoPort; }
 
 private:
     [[nodiscard]] CSampleBuffer mergeLines();

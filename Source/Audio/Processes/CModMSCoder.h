@@ -13,6 +13,10 @@ namespace qrb {
 class CModMSCoder : public CModRouting {
 public:
     [[nodiscard]] CErrorPtr init() override;
+    [[nodiscard]] const CAudioLine* passedLine(int outputLine) override
+    {
+        return m_pairs.empty() ? CModRouting::passedLine(outputLine) : nullptr;
+    }
 
 protected:
     void makeRoutes() override;

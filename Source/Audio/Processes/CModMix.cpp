@@ -26,6 +26,13 @@ void CModMixModule::update()
     m_weight = 0.5 - 0.5 * std::cos(std::numbers::pi * value(m_mixSlot));
 }
 
+int CModMixModule::passedPort() const
+{
+    if (m_weight <= kNearWeight || lineCount(1) == 0)
+        return 0;
+    return m_weight >= kFarWeight ? 1 : kNoPort;
+}
+
 void CModMixModule::process()
 {
     const auto length = static_cast<std::size_t>(blockLength());

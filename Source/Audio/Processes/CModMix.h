@@ -12,6 +12,7 @@ public:
     void regParams() override;
     void update() override;
     void process() override;
+    [[nodiscard]] int passedPort() const override;
 
 private:
     CAudioParamSlot m_mixSlot;

@@ -13,6 +13,13 @@ void CModRouting::update()
     m_routes.clear();
     makeRoutes();
     announceRoutes();
+    noteStructureChange();
+}
+
+const CAudioLine* CModRouting::passedLine(int outputLine)
+{
+    const CRoute& route = m_routes[static_cast<std::size_t>(outputLine)];
+    return route.source == kSilence ? nullptr : &lines(route.port)[static_cast<std::size_t>(route.source)];
 }
 
 CSampleBuffer CModRouting::makeSilence()

@@ -10,6 +10,7 @@ namespace qrb {
 class CModRouting : public CAudioProcessBase {
 public:
     void update() override;
+    [[nodiscard]] const CAudioLine* passedLine(int outputLine) override;
 
 protected:
     /// As a source: no line, but what makeSilence() gives.
