@@ -27,6 +27,8 @@ std::string writeFileWhole(const std::string& path, std::string_view content)
 {
     const std::string temporary = path + ".tmp";
     std::error_code code;
+    if (std::filesystem::exists(path, code) && !std::filesystem::is_regular_file(path, code))
+        return "cannot write '" + path + "': it is not a regular file"; // the new file would take its place
     {
         std::ofstream stream(temporary, std::ios::binary | std::ios::trunc);
         stream.write(content.data(), static_cast<std::streamsize>(content.size()));
