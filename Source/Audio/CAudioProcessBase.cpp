@@ -22,6 +22,8 @@ CAudioProcessBase::CAudioProcessBase()
 
 CAudioProcessBase::~CAudioProcessBase()
 {
+    // Whoever fed it may be in no plan and so tell nothing, and its own input is not settled any more.
+    noteStructureChange();
     for (CAudioBoundParam& param : m_boundParams) {
         detachParam(param);
     }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/CAudioProcessPlan.h"
 #include "Audio/Viz/CAudioVizCollector.h"
 #include "Core/CMemoryReader.h"
 #include "Core/CWriteSeqBuffer.h"
@@ -82,6 +83,23 @@ TEST(TestVisualisation, EachSourceDeliversWhileSomebodyLooksAndTheSoundStaysTheS
     EXPECT_TRUE(after.empty());
     EXPECT_EQ(play(false, counts, after), watched);
     EXPECT_TRUE(counts.empty()) << "nobody listens";
+}
+
+TEST(TestVisualisation, AMeterThatGoesLeavesThePlanOfTheGraph)
+{
+    const CChannels in = makeNoise(2, 4096);
+    CProductRig rig({44100.0, 2, 2, 0, 3});
+    rig.set(kGroup + "comp-enable:0:0=1").set(kGroup + "gate-enable=1").start();
+    qrb::CAudioVizCollector* collector = nullptr;
+    EXPECT_FALSE(rig.instance().root().findObjectChecked("plugin.viz-collector", collector));
+    for (const char* const source : kSources) {
+        collector->listen(qrb::CAudioVizCollector::kOwnInstance, qrb::CString("plugin.modMain.") + source, 1u << 16);
+        static_cast<void>(rig.run(in, 512));
+        EXPECT_TRUE(rig.instance().plan().isMade());
+        collector->unlisten(1u << 16);
+        static_cast<void>(rig.run(makeNoise(2, 64), 64));
+        EXPECT_FALSE(rig.instance().plan().isMade()) << source;
+    }
 }
 
 } // namespace
