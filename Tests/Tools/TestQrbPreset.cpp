@@ -3,7 +3,7 @@
 #include "Core/CMemoryReaderStatic.h"
 #include "Core/CWriteSeqBuffer.h"
 #include "Tools/Product/CDocumentModule.h"
-#include "Tools/QrbPreset/CPayloadReader.h"
+#include "Tools/Product/CPayloadReader.h"
 #include "Tools/QrbPreset/CProductParams.h"
 #include "Tools/QrbPreset/PresetText.h"
 
@@ -20,11 +20,11 @@ using namespace qrbpreset;
 
 constexpr std::uint32_t kListId = 'a' | 'l' << 8 | 's' << 16 | 't' << 24;
 
-std::string bytesOf(const CPresetFile& file)
+std::string bytesOf(const product::CPresetFile& file)
 {
     std::string bytes;
     std::string error;
-    EXPECT_TRUE(writePresetFile(file, bytes, error)) << error;
+    EXPECT_TRUE(product::writePresetFile(file, bytes, error)) << error;
     return bytes;
 }
 
@@ -36,13 +36,13 @@ protected:
     }
 
     /// The file that a text builds; a bank without presets and the errors as its name if it does not.
-    CPresetFile built(const std::string& text)
+    product::CPresetFile built(const std::string& text)
     {
         CBuilt result = buildText(text, "t", m_params);
         m_warnings = result.warnings.size();
         if (result.file)
             return std::move(*result.file);
-        CPresetFile failed;
+        product::CPresetFile failed;
         for (const qrbdoc::Diagnostic& error : result.errors)
             failed.banks.resize(1), failed.banks[0].name += error.text() + "\n";
         return failed;
@@ -54,12 +54,12 @@ protected:
     qrb::CAudioParamStorage values(const std::string& text, const std::string& id, const std::string& key)
     {
         qrb::CAudioParamStorage storage;
-        const CPresetFile file = built(text);
+        const product::CPresetFile file = built(text);
         EXPECT_FALSE(file.banks.at(0).presets.empty()) << file.banks.at(0).name;
         const qrb::CAudioParamInfo* const info = m_params.find(m_params.registry(id), key);
-        for (const CBank& bank : file.banks)
-            for (const CPreset& preset : bank.presets)
-                for (const CItem& item : preset.items)
+        for (const product::CBank& bank : file.banks)
+            for (const product::CPreset& preset : bank.presets)
+                for (const product::CItem& item : preset.items)
                     if (item.key == key) {
                         const auto* const data = reinterpret_cast<const std::uint8_t*>(item.bytes.data());
                         EXPECT_FALSE(qrb::CAudioParam::readSaved({data, item.bytes.size()}, *info, storage));
@@ -69,12 +69,12 @@ protected:
     }
 
     /// Prints, builds and reads again; gives the text.
-    std::string expectSurvives(const CPresetFile& file)
+    std::string expectSurvives(const product::CPresetFile& file)
     {
         const std::string bytes = bytesOf(file);
-        CPresetFile read;
+        product::CPresetFile read;
         std::string error;
-        EXPECT_TRUE(readPresetFile(bytes, read, error)) << error;
+        EXPECT_TRUE(product::readPresetFile(bytes, read, error)) << error;
         std::string text = printText(read, m_params);
         EXPECT_EQ(bytesOf(built(text)), bytes) << text << errorsOf(text);
         return text;
@@ -91,16 +91,16 @@ class CRandomFile {
 public:
     CRandomFile(const CProductParams& params, unsigned seed) : m_params(params), m_random(seed) {}
 
-    CPresetFile make()
+    product::CPresetFile make()
     {
-        CPresetFile file;
-        file.kind = static_cast<EFileKind>(upTo(2));
-        file.banks.resize(file.kind == EFileKind::list ? static_cast<std::size_t>(upTo(2)) : 1);
-        file.emptyCount = file.kind == EFileKind::list && file.banks.empty() ? -upTo(3) : 0;
-        for (CBank& bank : file.banks) {
-            bank.name = file.kind == EFileKind::preset || upTo(1) == 0 ? "" : bytes();
-            bank.presets.resize(file.kind == EFileKind::preset ? 1 : static_cast<std::size_t>(upTo(3)));
-            for (CPreset& preset : bank.presets)
+        product::CPresetFile file;
+        file.kind = static_cast<product::EFileKind>(upTo(2));
+        file.banks.resize(file.kind == product::EFileKind::list ? static_cast<std::size_t>(upTo(2)) : 1);
+        file.emptyCount = file.kind == product::EFileKind::list && file.banks.empty() ? -upTo(3) : 0;
+        for (product::CBank& bank : file.banks) {
+            bank.name = file.kind == product::EFileKind::preset || upTo(1) == 0 ? "" : bytes();
+            bank.presets.resize(file.kind == product::EFileKind::preset ? 1 : static_cast<std::size_t>(upTo(3)));
+            for (product::CPreset& preset : bank.presets)
                 fill(preset);
         }
         return file;
@@ -120,7 +120,7 @@ private:
         return upTo(9) == 0 ? text + std::string(1, '\0') : text;
     }
 
-    void fill(CPreset& preset)
+    void fill(product::CPreset& preset)
     {
         const CRegistry& registry = m_params.registries()[static_cast<std::size_t>(upTo(6))];
         preset.name = upTo(5) > 0 ? registry.id + ":" + bytes() : bytes();
@@ -134,7 +134,7 @@ private:
     std::string blob(const qrb::CAudioParamInfo& info)
     {
         std::string out;
-        appendBlock(out, upTo(15) == 0 ? bytes() : info.definitionPath.toUtf8());
+        product::appendBlock(out, upTo(15) == 0 ? bytes() : info.definitionPath.toUtf8());
         if (upTo(15) == 0)
             return out + bytes();
         qrb::CAudioParamStorage storage;
@@ -305,19 +305,19 @@ TEST_F(QrbPreset, WrongTextsAreToldWithTheirPlace)
 
 TEST_F(QrbPreset, DamagedFilesAreRefused)
 {
-    CPresetFile file = CRandomFile(m_params, 4).make();
-    file.kind = EFileKind::list;
+    product::CPresetFile file = CRandomFile(m_params, 4).make();
+    file.kind = product::EFileKind::list;
     file.banks.resize(2);
     file.banks[0].presets.push_back({"k7rw:x", {{"key", "bytes"}}});
     const std::string bytes = bytesOf(file);
     std::string error;
-    CPresetFile out;
+    product::CPresetFile out;
     for (std::size_t length = 0; length < bytes.size(); ++length)
-        EXPECT_FALSE(readPresetFile(bytes.substr(0, length), out, error)) << length;
+        EXPECT_FALSE(product::readPresetFile(bytes.substr(0, length), out, error)) << length;
     const auto content = [](const std::vector<std::int32_t>& numbers) {
         std::string plain;
         for (const std::int32_t number : numbers)
-            appendInt(plain, number);
+            product::appendInt(plain, number);
         qrb::CWriteSeqBuffer packed;
         EXPECT_FALSE(
             packed.writeCompressedData({reinterpret_cast<const std::uint8_t*>(plain.data()), plain.size()}, kListId));
@@ -333,10 +333,10 @@ TEST_F(QrbPreset, DamagedFilesAreRefused)
              {{1, 0, 1, 0, 1, 0, 0x7FFFFFFF}, "ends within a parameter"},
              {{0, 7}, "4 bytes follow"}}) {
         error.clear();
-        EXPECT_FALSE(readPresetFile(content(numbers), out, error));
+        EXPECT_FALSE(product::readPresetFile(content(numbers), out, error));
         EXPECT_NE(error.find(wanted), std::string::npos) << error;
     }
-    EXPECT_FALSE(readPresetFile("dstr" + bytes.substr(4), out, error));
+    EXPECT_FALSE(product::readPresetFile("dstr" + bytes.substr(4), out, error));
 }
 
 } // namespace

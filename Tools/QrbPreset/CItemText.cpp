@@ -6,8 +6,8 @@
 #include "Audio/CAudioParamUpdate.h"
 #include "Core/CMemoryReaderStatic.h"
 #include "Core/CWriteSeqBuffer.h"
+#include "Tools/Product/CPayloadReader.h"
 #include "Tools/QrbPreset/CNumberText.h"
-#include "Tools/QrbPreset/CPayloadReader.h"
 #include "Tools/QrbPreset/CValueList.h"
 #include "Tools/QrbPreset/TextEscape.h"
 
@@ -29,7 +29,7 @@ const qrb::CAudioParamInfo* fitting(const qrb::CAudioParamInfo* info, const CIte
 /// False if the bytes are not those of a storage of any shape.
 bool loadStorage(std::string_view bytes, CItemText& item, qrb::CAudioParamStorage& storage)
 {
-    CPayloadReader head(bytes);
+    product::CPayloadReader head(bytes);
     (void)head.readInt();
     qrb::CAudioParamFormat format;
     format.elementSize = head.readInt();
@@ -198,7 +198,7 @@ private:
 
 std::optional<CItemText> printItem(std::string_view bytes, const qrb::CAudioParamInfo* info)
 {
-    CPayloadReader in(bytes);
+    product::CPayloadReader in(bytes);
     CItemText item;
     item.definition = in.readText();
     qrb::CAudioParamStorage storage;
@@ -218,7 +218,7 @@ std::optional<std::string> buildItem(const CItemText& item, const qrb::CAudioPar
     if (!CItemBuilder(item, info).build(storage, error, errorGroup))
         return std::nullopt;
     std::string out;
-    appendBlock(out, item.definition);
+    product::appendBlock(out, item.definition);
     qrb::CWriteSeqBuffer written;
     if (storage.save(written))
         return std::nullopt;

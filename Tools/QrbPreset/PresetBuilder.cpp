@@ -43,17 +43,17 @@ public:
             m_built.errors.push_back(problem);
             return std::move(m_built);
         }
-        CPresetFile file;
+        product::CPresetFile file;
         const pugi::xml_node root = m_source.root();
         const std::string_view kind = root.name();
         const CScope scope = scopeOf(root, {});
         if (kind == "preset") {
             file.banks.emplace_back().presets.push_back(readPreset(root, scope));
         } else if (kind == "bank") {
-            file.kind = EFileKind::bank;
+            file.kind = product::EFileKind::bank;
             file.banks.push_back(readBank(root, scope));
         } else if (kind == "list") {
-            file.kind = EFileKind::list;
+            file.kind = product::EFileKind::list;
             readList(root, scope, file);
         } else {
             error(root, "the text is a <preset>, a <bank> or a <list>");
@@ -115,7 +115,7 @@ private:
         return own ? own : outer;
     }
 
-    void readList(pugi::xml_node node, const CScope& scope, CPresetFile& file)
+    void readList(pugi::xml_node node, const CScope& scope, product::CPresetFile& file)
     {
         checkAttributes(node, {"registry", "count"});
         bool hasBanks = false;
@@ -144,10 +144,10 @@ private:
         }
     }
 
-    CBank readBank(pugi::xml_node node, const CScope& scope)
+    product::CBank readBank(pugi::xml_node node, const CScope& scope)
     {
         checkAttributes(node, {"registry", "name"});
-        CBank bank;
+        product::CBank bank;
         bank.name = attribute(node, "name").value_or("");
         for (const pugi::xml_node child : node.children()) {
             if (!isElement(child))
@@ -160,10 +160,10 @@ private:
         return bank;
     }
 
-    CPreset readPreset(pugi::xml_node node, const CScope& scope)
+    product::CPreset readPreset(pugi::xml_node node, const CScope& scope)
     {
         checkAttributes(node, {"registry", "name", "order"});
-        CPreset preset;
+        product::CPreset preset;
         if (!node.attribute("name"))
             error(node, "the preset needs a name");
         preset.name = (scope ? *scope + ":" : std::string()) + attribute(node, "name").value_or("");
@@ -182,7 +182,7 @@ private:
         return preset;
     }
 
-    void readItems(pugi::xml_node node, const std::string& prefix, CPreset& preset, int depth)
+    void readItems(pugi::xml_node node, const std::string& prefix, product::CPreset& preset, int depth)
     {
         for (const pugi::xml_node child : node.children()) {
             if (!isElement(child))
@@ -208,7 +208,7 @@ private:
         }
     }
 
-    void readItem(pugi::xml_node node, const std::string& key, CPreset& preset)
+    void readItem(pugi::xml_node node, const std::string& key, product::CPreset& preset)
     {
         if (key.size() > qrb::kMaxStreamStringBytes)
             return error(node, "the path is too long");

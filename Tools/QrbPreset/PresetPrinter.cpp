@@ -36,25 +36,25 @@ class CPrinter {
 public:
     explicit CPrinter(const CProductParams& params) : m_params(params) {}
 
-    std::string print(const CPresetFile& file)
+    std::string print(const product::CPresetFile& file)
     {
         m_out = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
         findCommonId(file);
-        if (file.kind == EFileKind::preset)
+        if (file.kind == product::EFileKind::preset)
             printPreset(file.banks.front().presets.front(), 0);
-        if (file.kind == EFileKind::bank)
+        if (file.kind == product::EFileKind::bank)
             printBank(file.banks.front(), 0);
-        if (file.kind == EFileKind::list)
+        if (file.kind == product::EFileKind::list)
             printList(file);
         return m_out;
     }
 
 private:
-    void findCommonId(const CPresetFile& file)
+    void findCommonId(const product::CPresetFile& file)
     {
         std::set<std::string> ids;
-        for (const CBank& bank : file.banks)
-            for (const CPreset& preset : bank.presets) {
+        for (const product::CBank& bank : file.banks)
+            for (const product::CPreset& preset : bank.presets) {
                 m_hasCommonId = hasId(preset.name);
                 ids.insert(m_hasCommonId ? idOf(preset.name) : "");
                 if (!m_hasCommonId || ids.size() > 1) {
@@ -73,7 +73,7 @@ private:
         return depth == 0 && m_hasCommonId ? xmlAttribute("registry", escaped(m_commonId)) : std::string();
     }
 
-    void printList(const CPresetFile& file)
+    void printList(const product::CPresetFile& file)
     {
         const std::string count = file.emptyCount < 0 ? xmlAttribute("count", std::to_string(file.emptyCount)) : "";
         const std::string head = "<list" + count + idAttribute(0);
@@ -81,26 +81,26 @@ private:
             return line(0, head + "/>");
         line(0, head + ">");
         if (file.banks.size() == 1 && file.banks[0].name.empty() && !file.banks[0].presets.empty())
-            for (const CPreset& preset : file.banks[0].presets)
+            for (const product::CPreset& preset : file.banks[0].presets)
                 printPreset(preset, 1);
         else
-            for (const CBank& bank : file.banks)
+            for (const product::CBank& bank : file.banks)
                 printBank(bank, 1);
         line(0, "</list>");
     }
 
-    void printBank(const CBank& bank, std::size_t depth)
+    void printBank(const product::CBank& bank, std::size_t depth)
     {
         const std::string head = "<bank" + idAttribute(depth) + xmlAttribute("name", escaped(bank.name));
         if (bank.presets.empty())
             return line(depth, head + "/>");
         line(depth, head + ">");
-        for (const CPreset& preset : bank.presets)
+        for (const product::CPreset& preset : bank.presets)
             printPreset(preset, depth + 1);
         line(depth, "</bank>");
     }
 
-    void printPreset(const CPreset& preset, std::size_t depth)
+    void printPreset(const product::CPreset& preset, std::size_t depth)
     {
         std::string head = "<preset";
         std::string name = preset.name;
@@ -111,7 +111,7 @@ private:
             name = name.substr(name.find(':') + 1);
         }
         head += xmlAttribute("name", escaped(name));
-        CPreset grouped = bySections(preset);
+        product::CPreset grouped = bySections(preset);
         const bool isGiven = !isOrderOf(grouped, preset);
         if (isGiven)
             head += xmlAttribute("order", "given");
@@ -119,7 +119,7 @@ private:
             return line(depth, head + "/>");
         line(depth, head + ">");
         std::string section;
-        for (const CItem& item : isGiven ? preset.items : grouped.items) {
+        for (const product::CItem& item : isGiven ? preset.items : grouped.items) {
             const std::string next = isGiven ? std::string() : sectionOf(item.key);
             if (next != section && !section.empty())
                 line(depth + 1, "</section>");
@@ -135,20 +135,21 @@ private:
     }
 
     /// The items with those of one section side by side, the top's first.
-    static CPreset bySections(const CPreset& preset)
+    static product::CPreset bySections(const product::CPreset& preset)
     {
         std::map<std::string, std::size_t> rank{{"", 0}};
-        for (const CItem& item : preset.items)
+        for (const product::CItem& item : preset.items)
             rank.try_emplace(sectionOf(item.key), rank.size());
-        CPreset grouped = preset;
-        std::stable_sort(grouped.items.begin(), grouped.items.end(), [&](const CItem& a, const CItem& b) {
-            return rank.at(sectionOf(a.key)) < rank.at(sectionOf(b.key));
-        });
+        product::CPreset grouped = preset;
+        std::stable_sort(grouped.items.begin(), grouped.items.end(),
+                         [&](const product::CItem& a, const product::CItem& b) {
+                             return rank.at(sectionOf(a.key)) < rank.at(sectionOf(b.key));
+                         });
         return grouped;
     }
 
     /// Whether the items, each there once, get the order of the file by being sorted.
-    static bool isOrderOf(CPreset grouped, const CPreset& preset)
+    static bool isOrderOf(product::CPreset grouped, const product::CPreset& preset)
     {
         grouped.sortItems();
         std::set<std::string> keys;
@@ -158,7 +159,7 @@ private:
         return true;
     }
 
-    void printItem(const CItem& item, const std::string& shortKey, std::size_t depth)
+    void printItem(const product::CItem& item, const std::string& shortKey, std::size_t depth)
     {
         const qrb::CAudioParamInfo* const info = m_params.find(m_registry, item.key);
         const std::string path = xmlAttribute("path", escaped(shortKey));
@@ -207,7 +208,7 @@ private:
 
 } // namespace
 
-std::string printText(const CPresetFile& file, const CProductParams& params)
+std::string printText(const product::CPresetFile& file, const CProductParams& params)
 {
     return CPrinter(params).print(file);
 }

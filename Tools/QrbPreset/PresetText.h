@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Tools/DocCompiler/DocCompiler.h"
-#include "Tools/QrbPreset/CPresetFile.h"
+#include "Tools/Product/CPresetFile.h"
 
 #include <optional>
 #include <string>
@@ -13,11 +13,11 @@ namespace qrbpreset {
 class CProductParams;
 
 /// The text form of a file of presets: XML with the values as users read them. Building it gives an equal file.
-[[nodiscard]] std::string printText(const CPresetFile& file, const CProductParams& params);
+[[nodiscard]] std::string printText(const product::CPresetFile& file, const CProductParams& params);
 
 /// What building a text came to: a file, or errors.
 struct CBuilt {
-    std::optional<CPresetFile> file;
+    std::optional<product::CPresetFile> file;
     std::vector<qrbdoc::Diagnostic> errors;
     std::vector<qrbdoc::Diagnostic> warnings; ///< what loading the file will pass over
 };

@@ -6,14 +6,13 @@
 #include "Audio/Presets/CAudioPresetList.h"
 #include "Core/CWriteSeqBuffer.h"
 #include "Tools/DocCompiler/ToolFiles.h"
+#include "Tools/Product/BoundedFile.h"
 #include "Tools/Product/CDocumentModule.h"
 #include "Tools/QrbPreset/CNumberText.h"
 #include "Tools/QrbPreset/CProductParams.h"
 #include "Tools/QrbPreset/PresetText.h"
 
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 
 namespace qrbpreset {
 
@@ -75,27 +74,6 @@ int fail(const std::string& message)
     return kFailure;
 }
 
-/// What is wrong, empty on success.
-std::string readFile(const std::string& path, std::size_t limit, std::string& out)
-{
-    std::error_code code;
-    if (std::filesystem::is_directory(path, code))
-        return "cannot read '" + path + "': it is a folder";
-    std::ifstream stream(path, std::ios::binary);
-    if (!stream)
-        return "cannot read '" + path + "'";
-    constexpr std::size_t kPiece = std::size_t{1} << 16;
-    while (stream && out.size() <= limit) {
-        const std::size_t before = out.size();
-        out.resize(before + kPiece);
-        stream.read(out.data() + before, kPiece);
-        out.resize(before + static_cast<std::size_t>(stream.gcount()));
-    }
-    if (stream.bad())
-        return "cannot read '" + path + "'";
-    return out.size() > limit ? "'" + path + "' is larger than " + std::to_string(limit >> 20) + " MiB" : "";
-}
-
 std::vector<std::uint8_t> emptyList()
 {
     qrb::CWriteSeqBuffer content;
@@ -112,7 +90,7 @@ std::vector<std::uint8_t> emptyList()
 std::string addFile(CArguments& arguments, const std::string& name, const std::string& path)
 {
     std::string content;
-    std::string problem = readFile(path, kMaxFileBytes, content);
+    std::string problem = product::readBoundedFile(path, product::kMaxFileBytes, content);
     arguments.files.read[name] = std::vector<std::uint8_t>(content.begin(), content.end());
     return problem;
 }
@@ -157,7 +135,7 @@ int writeOut(const std::string& text)
 int build(const std::vector<std::string>& words, const CProductParams& params)
 {
     std::string text;
-    if (const std::string problem = readFile(words[1], kMaxTextBytes, text); !problem.empty())
+    if (const std::string problem = product::readBoundedFile(words[1], kMaxTextBytes, text); !problem.empty())
         return fail(problem);
     const CBuilt built = buildText(std::move(text), words[1], params);
     for (const qrbdoc::Diagnostic& warning : built.warnings)
@@ -168,7 +146,7 @@ int build(const std::vector<std::string>& words, const CProductParams& params)
         return kFailure;
     std::string bytes;
     std::string problem;
-    if (!writePresetFile(*built.file, bytes, problem))
+    if (!product::writePresetFile(*built.file, bytes, problem))
         return fail(words[1] + ": " + problem);
     if (words.size() == 3)
         problem = qrbdoc::writeFileWhole(words[2], bytes);
@@ -178,14 +156,14 @@ int build(const std::vector<std::string>& words, const CProductParams& params)
 int print(const std::vector<std::string>& words, const CProductParams& params)
 {
     std::string bytes;
-    std::string problem = readFile(words[1], kMaxFileBytes, bytes);
+    std::string problem = product::readBoundedFile(words[1], product::kMaxFileBytes, bytes);
     if (!problem.empty())
         return fail(problem);
-    CPresetFile file;
-    if (!readPresetFile(bytes, file, problem))
+    product::CPresetFile file;
+    if (!product::readPresetFile(bytes, file, problem))
         return fail(words[1] + ": " + problem);
     std::string again;
-    if (!writePresetFile(file, again, problem) || again != bytes)
+    if (!product::writePresetFile(file, again, problem) || again != bytes)
         std::fprintf(stderr,
                      "qrb-preset: %s: another program has packed this file; building the text gives the same "
                      "content, packed in other bytes (warning)\n",

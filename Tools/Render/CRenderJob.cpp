@@ -78,17 +78,27 @@ bool CRenderJob::prepare(std::string& error)
     m_instance.setInputs({channels, m_options.useDouble, false}, {keys, m_options.useDouble, false},
                          m_sidechainBuffers.pointers.data());
     m_instance.setOutputs({channels, m_options.useDouble, false});
-    std::vector<CSetting> told = m_options.sets;
-    told.insert(told.end(), m_options.events.begin(), m_options.events.end());
-    m_instance.routeChannels(channels + keys, told);
     m_instance.start(); // parameters of nodes get their definitions with the nodes
-    for (const CSetting& setting : m_options.sets)
-        if (!m_instance.apply(setting, error))
-            return false;
+    if (!applySettings(error))
+        return false;
     m_instance.stop(); // what was set is in force from the first sample, with nothing fading
     m_instance.start();
     m_instance.paramCollector().runDeferred();
     return collectEvents(error);
+}
+
+bool CRenderJob::applySettings(std::string& error)
+{
+    if (!m_presets.activate(m_instance, error))
+        return false;
+    std::vector<CSetting> told = m_options.sets;
+    told.insert(told.end(), m_options.events.begin(), m_options.events.end());
+    if (!m_presets.tellsRouting())
+        m_instance.routeChannels(m_inBuffers.channels + m_sidechainBuffers.channels, told);
+    for (const CSetting& setting : m_options.sets)
+        if (!m_instance.apply(setting, error))
+            return false;
+    return true;
 }
 
 bool CRenderJob::collectEvents(std::string& error)
@@ -205,7 +215,13 @@ void CRenderJob::printList()
 
 bool CRenderJob::run(std::string& error)
 {
-    if (!openInputs(error) || !prepare(error))
+    if (!openInputs(error) || !m_presets.readFiles(error) || !prepare(error))
+        return false;
+    if (m_options.task == ETask::presets) {
+        m_presets.print(m_instance);
+        return true;
+    }
+    if (!m_presets.take(m_instance, error))
         return false;
     if (m_options.task == ETask::list) {
         printList();
@@ -215,7 +231,9 @@ bool CRenderJob::run(std::string& error)
         std::printf(m_options.isJson ? "{\"latency\": %d}\n" : "%d\n", m_instance.getLatencySamples());
         return true;
     }
-    if (!render(error))
+    if (m_options.task == ETask::save)
+        return m_presets.save(error);
+    if (!render(error) || !m_presets.save(error))
         return false;
     m_summary.inFile = m_options.inFile;
     m_summary.outFile = m_options.outFile;

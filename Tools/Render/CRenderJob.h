@@ -3,6 +3,7 @@
 
 #include "Tools/Render/CRenderInstance.h"
 #include "Tools/Render/CRenderOptions.h"
+#include "Tools/Render/CRenderPresets.h"
 #include "Tools/Render/CRenderReport.h"
 #include "Tools/Render/CSoundFile.h"
 
@@ -17,7 +18,7 @@ namespace render {
 /// One rendering: input files through an instance into an output file, as an offline host would do it.
 class CRenderJob {
 public:
-    explicit CRenderJob(const CRenderOptions& options) : m_options(options) {}
+    explicit CRenderJob(const CRenderOptions& options) : m_options(options), m_presets(options) {}
 
     /// Does what the options ask for. False with one line in `error`; no output file is left behind then.
     [[nodiscard]] bool run(std::string& error);
@@ -44,6 +45,7 @@ private:
 
     [[nodiscard]] bool openInputs(std::string& error);
     [[nodiscard]] bool prepare(std::string& error);
+    [[nodiscard]] bool applySettings(std::string& error);
     [[nodiscard]] bool collectEvents(std::string& error);
     [[nodiscard]] bool render(std::string& error);
     /// Reads a block, silence behind the file's end. Gives the frames that came from the file.
@@ -54,6 +56,7 @@ private:
 
     const CRenderOptions& m_options;
     CRenderInstance m_instance;
+    CRenderPresets m_presets;
     CSoundFileReader m_in;
     CSoundFileReader m_sidechain;
     std::vector<CTimedEvent> m_events; ///< by frame, equal frames in the order given

@@ -136,6 +136,20 @@ bool takeRate(CArgReader& args, const std::string& option, double& out, std::str
     return true;
 }
 
+/// The path of a file; another one than that of an option before it makes no sense.
+bool takeFile(CArgReader& args, const std::string& option, std::string& out, std::string& error)
+{
+    std::string path;
+    if (!args.takeValue(option, path))
+        return false;
+    if (path.empty() || !out.empty()) {
+        error = path.empty() ? "option '" + option + "' needs a value" : "option '" + option + "' is given twice";
+        return false;
+    }
+    out = path;
+    return true;
+}
+
 bool takeOption(const std::string& option, CArgReader& args, CRenderOptions& out, std::string& error)
 {
     if (option == "--set")
@@ -144,6 +158,14 @@ bool takeOption(const std::string& option, CArgReader& args, CRenderOptions& out
         return takeEvent(args, option, out.events, error);
     if (option == "--sidechain")
         return args.takeValue(option, out.sidechainFile);
+    if (option == "--preset")
+        return args.takeValue(option, out.presetName.emplace());
+    if (option == "--bank")
+        return takeFile(args, option, out.bankFile, error);
+    if (option == "--preset-file")
+        return takeFile(args, option, out.presetFiles.emplace_back(), error);
+    if (option == "--save-preset")
+        return takeFile(args, option, out.savePresetFile, error);
     if (option == "--block")
         return takeBlockSize(args, option, out.blockSize, error);
     if (option == "--format")
@@ -160,6 +182,8 @@ bool takeOption(const std::string& option, CArgReader& args, CRenderOptions& out
         out.task = ETask::list;
     else if (option == "--latency")
         out.task = ETask::latency;
+    else if (option == "--presets")
+        out.task = ETask::presets;
     else if (option == "--help" || option == "-h")
         out.task = ETask::help;
     else {
@@ -203,6 +227,8 @@ std::optional<CRenderOptions> parseOptions(const std::vector<std::string>& words
         if (options.task == ETask::help)
             return options;
     }
+    if (options.task == ETask::render && files.empty() && !options.savePresetFile.empty())
+        options.task = ETask::save;
     const std::size_t wanted = options.task == ETask::render ? 2 : files.size();
     if (files.size() != wanted || files.size() > 2) {
         error = files.size() > 2 ? "too many files: '" + files[2] + "'" : "an input and an output file are needed";
@@ -221,19 +247,26 @@ const char* helpText()
 
     thumpcraft-render [options] IN OUT
 
+  --preset NAME                              start from this built-in preset, or from this one of --bank
+  --bank FILE                                a bank or list of presets; without --preset its first one is used
+  --preset-file FILE                         start from this preset, of the whole or of a panel; repeatable
   --set PATH[:GROUP[:ELEMENT]]=TEXT          a parameter's value, PATH below plugin.modMain; repeatable
   --at SECONDS PATH[:GROUP[:ELEMENT]]=TEXT   the same as an event at that time; repeatable
+  --save-preset FILE                         save the settings before the first sample as a preset; IN and OUT may be left out
   --sidechain FILE                           key signal, behind the main channels
   --block N                                  samples a block (default 512)
   --double                                   64-bit host buffers (default 32-bit)
   --format float|double|pcm16|pcm24          samples of the output file (default float)
   --raw                                      keep the latency; otherwise the output is aligned and as long as the input
   --list [IN]                                print every parameter: path, groups x elements, value, range, default
+  --presets                                  print the names of the presets, built in or of --bank
   --latency [IN]                             print the latency in samples and stop
-  --rate HZ                                  sample rate for --list and --latency without a file (default 44100)
+  --rate HZ                                  sample rate where there is no file (default 44100)
   --json                                     the summary (or list, or latency) for machines
   --help                                     this text
 
+Presets come in the order bank, files; --set changes what they have set. Channels go straight through unless a preset's
+file or --set says where they go.
 IN is anything libsndfile reads, with 1 to 8 channels. OUT is WAV, or the type its name tells (.flac, .aiff, .w64, ...).
 Exit status: 0 done, 2 something was wrong (one line on stderr tells what; no output file is left behind).
 )";

@@ -21,7 +21,7 @@ struct CSetting {
 enum class EFileFormat { float32, float64, pcm16, pcm24 };
 
 /// What the tool is asked to do.
-enum class ETask { render, list, latency, help };
+enum class ETask { render, list, latency, presets, save, help };
 
 /// The command line, checked word by word but not yet against the product's parameters.
 struct CRenderOptions {
@@ -29,6 +29,10 @@ struct CRenderOptions {
     std::string inFile;
     std::string outFile;
     std::string sidechainFile;
+    std::optional<std::string> presetName; ///< of the built-in bank, or of the bank's file
+    std::string bankFile;
+    std::vector<std::string> presetFiles; ///< in the order given
+    std::string savePresetFile;
     std::vector<CSetting> sets;   ///< in the order given
     std::vector<CSetting> events; ///< in the order given
     std::size_t blockSize = 512;  ///< samples the host hands over at a time

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Tools/QrbPreset/CPayloadReader.h"
+#include "Tools/Product/CPayloadReader.h"
 
 #include "Core/CInputStream.h"
 
-namespace qrbpreset {
+namespace product {
 
 std::int32_t CPayloadReader::readInt()
 {
@@ -58,4 +58,4 @@ void appendBlock(std::string& out, std::string_view bytes)
     out += bytes;
 }
 
-} // namespace qrbpreset
+} // namespace product

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Tools/QrbPreset/CPresetFile.h"
+#include "Tools/Product/CPresetFile.h"
 
 #include "Audio/Presets/CAudioPresetBudget.h"
 #include "Audio/Presets/CAudioPresetList.h"
 #include "Core/CMemoryReaderStatic.h"
 #include "Core/CWriteSeqBuffer.h"
-#include "Tools/QrbPreset/CPayloadReader.h"
+#include "Tools/Product/CPayloadReader.h"
 
 #include <algorithm>
 #include <utility>
 
-namespace qrbpreset {
+namespace product {
 
 namespace {
 
@@ -169,4 +169,4 @@ bool writePresetFile(const CPresetFile& file, std::string& out, std::string& err
     return true;
 }
 
-} // namespace qrbpreset
+} // namespace product

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace qrbpreset {
+namespace product {
 
 /// Walks the integers and counted byte strings of a payload. The first step that fails tells why in error(), and those
 /// behind it do nothing.
@@ -37,4 +37,4 @@ void appendInt(std::string& out, std::int32_t value);
 /// Count and bytes.
 void appendBlock(std::string& out, std::string_view bytes);
 
-} // namespace qrbpreset
+} // namespace product

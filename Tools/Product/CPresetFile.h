@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace qrbpreset {
+namespace product {
 
 /// One parameter of a preset. Key and bytes stand here exactly as in the file.
 struct CItem {
@@ -45,4 +45,4 @@ inline constexpr std::size_t kMaxFileBytes = std::size_t{80} << 20;
 /// The other way round. False if a text or the whole is too long for a file.
 [[nodiscard]] bool writePresetFile(const CPresetFile& file, std::string& out, std::string& error);
 
-} // namespace qrbpreset
+} // namespace product
