@@ -45,6 +45,7 @@ public:
     [[nodiscard]] bool isStuffed() const;
     /// A block of so many samples is on its way.
     void noteBlock(int length) { m_blockLength = length; }
+    [[nodiscard]] int blockLength() const { return m_blockLength; }
     /// Samples of the block that was noted last; 0 where none was since the last call.
     [[nodiscard]] int takeBlockLength() { return std::exchange(m_blockLength, 0); }
     /// Removes all connections that end here.

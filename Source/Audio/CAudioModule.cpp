@@ -39,7 +39,7 @@ int CAudioModule::element() const
 double* CAudioModule::writeOutput(int index)
 {
     CSampleBuffer& buffer = m_outputs[static_cast<std::size_t>(index)];
-    buffer = pool().get(m_blockLength);
+    buffer = m_wholeOutputs == nullptr ? pool().get(m_blockLength) : m_wholeOutputs[index].from(m_wholeStart);
     return buffer.data();
 }
 

@@ -48,6 +48,10 @@ public:
     /// left as by its own process(), bit for bit.
     virtual void processTogether(std::span<CAudioModule* const> modules);
 
+    /// Whether processTogether() with a module that waits for this one's signal would cost hardly more than either alone,
+    /// so that it pays to run both in pieces.
+    [[nodiscard]] virtual bool canOverlap(const CAudioModule& /*waiting*/) const { return false; }
+
     /// Whether process() can have blocks of this form on port 0; asked in each block. A form given on as output is no
     /// matter of this.
     [[nodiscard]] virtual bool takesForm(ESampleForm form) const { return form == ESampleForm::whole; }
@@ -146,6 +150,8 @@ private:
     int m_channel = -1;
     int m_latency = 0;
     int m_blockLength = 0;
+    int m_wholeStart = 0;                    ///< of the running piece in m_wholeOutputs
+    CSampleBuffer* m_wholeOutputs = nullptr; ///< while a block runs in pieces: where they are to be written
     std::uint32_t m_seed = 0;
     double m_sampleRate = 1.0;
     CArray<CPortLines, 2> m_ports;

@@ -179,6 +179,18 @@ CAudioModule& CAudioModuleInstance::beginTogether(int blockLength)
     return *m_active;
 }
 
+CAudioModule& CAudioModuleInstance::beginPiece(int length, CSampleBuffer* wholeOutputs, int start)
+{
+    m_active->m_wholeOutputs = wholeOutputs;
+    m_active->m_wholeStart = start;
+    return beginTogether(length);
+}
+
+void CAudioModuleInstance::endPieces()
+{
+    m_active->m_wholeOutputs = nullptr;
+}
+
 std::span<CSampleBuffer> CAudioModuleInstance::runSettled(int blockLength)
 {
     m_active->m_blockLength = blockLength;

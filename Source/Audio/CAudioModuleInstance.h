@@ -61,6 +61,13 @@ public:
     [[nodiscard]] std::span<CSampleBuffer> runSettled(int blockLength);
     /// The same for a block that ran between beginTogether() and now.
     [[nodiscard]] std::span<CSampleBuffer> endSettled();
+    /// beginTogether() for a piece of a block: writes to the whole outputs, from `start` on. Valid until endPieces().
+    [[nodiscard]] CAudioModule& beginPiece(int length, CSampleBuffer* wholeOutputs, int start);
+    void endPieces();
+    [[nodiscard]] bool canOverlap(const CAudioModuleInstance& waiting) const
+    {
+        return m_active->canOverlap(*waiting.m_active);
+    }
     /// The input line that is output `index`, by reference, until the next update; or null.
     [[nodiscard]] const CAudioLine* passedLine(int index) const;
     /// True once after passedLine() has come to give other lines.

@@ -72,6 +72,11 @@ public:
 
     /// The first part of processPlanned(): gathers the input buffers.
     void runPlannedInputStep();
+    /// The same for a block that runs in pieces: leaves the buffers in `inputs`, line by line, and where none has come
+    /// yet an empty one, for a line that will get its pieces one by one.
+    void takeWholeBlock(int length, CArray<CSampleBuffer, 4>& inputs);
+    /// Makes a piece of that block the running one.
+    void takePiece(std::span<const CSampleBuffer> inputs, int start, int length);
     /// Gives the input buffers of a planned block up.
     void releasePlannedInputs();
     /// Notes for the plan which input lines there are, and lets blocks come straight into those that it may.

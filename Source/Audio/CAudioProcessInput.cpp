@@ -94,6 +94,34 @@ void CAudioProcessBase::runPlannedInputStep()
     }
 }
 
+void CAudioProcessBase::takeWholeBlock(int length, CArray<CSampleBuffer, 4>& inputs)
+{
+    static_cast<void>(m_input.takeBlockLength());
+    m_blockLength = length;
+    for (CAudioLine* const line : m_plannedLines) {
+        if (!line->isDirect) {
+            gatherLine(*line);
+        } else if (line->buffer && line->length != length) {
+            line->buffer = pool().getSilence(length);
+        }
+        makeWhole(*line);
+        inputs.append(std::move(line->buffer));
+    }
+}
+
+void CAudioProcessBase::takePiece(std::span<const CSampleBuffer> inputs, int start, int length)
+{
+    m_blockLength = length;
+    for (std::size_t i = 0; i < m_plannedLines.size(); ++i) {
+        CAudioLine& line = *m_plannedLines[i];
+        if (inputs[i]) {
+            line.buffer = inputs[i].from(start);
+        } else if (!line.buffer) {
+            line.buffer = pool().getSilence(length);
+        }
+    }
+}
+
 void CAudioProcessBase::releasePlannedInputs()
 {
     for (CAudioLine* const line : m_plannedLines) {

@@ -46,6 +46,24 @@ void CAudioProcessPlan::addStep(std::span<CAudioProcessBase* const> nodes, EStep
     m_steps.append({nodes.size(), kind});
 }
 
+CAudioProcessBase* CAudioProcessPlan::singleNode(std::size_t step) const
+{
+    std::size_t at = 0;
+    for (std::size_t i = 0; i < step; ++i) {
+        at += m_steps[i].nodeCount;
+    }
+    return m_steps[step].nodeCount == 1 ? m_nodes[at] : nullptr;
+}
+
+void CAudioProcessPlan::joinSteps(std::size_t first, std::size_t last, EStep kind)
+{
+    for (; last > first; --last) {
+        m_steps[first].nodeCount += m_steps[last].nodeCount;
+        m_steps.removeAt(last);
+    }
+    m_steps[first].kind = kind;
+}
+
 std::size_t CAudioProcessPlan::countNodes(EStep kind) const
 {
     std::size_t count = 0;
@@ -65,6 +83,8 @@ void CAudioProcessPlan::run()
             nodes[0]->processPlanned();
         } else if (step.kind == EStep::inSeries) {
             CAudioProcessTerminalBase::processInSeries(nodes);
+        } else if (step.kind == EStep::inPieces) {
+            CAudioProcessTerminalBase::processInPieces(nodes);
         } else {
             CAudioProcessTerminalBase::processTogether(nodes);
         }

@@ -34,15 +34,24 @@ public:
     /// Off: each block runs through the graph. For comparisons.
     void setEnabled(bool isEnabled) { m_isEnabled = isEnabled; }
     /// How the nodes of a step run.
-    enum class EStep { together, inSeries };
+    enum class EStep { together, inSeries, inPieces };
     /// Adds nodes of one definition that run in one go, or a single one.
     void addStep(std::span<CAudioProcessBase* const> nodes, EStep kind);
+
+    [[nodiscard]] std::size_t stepCount() const { return m_steps.size(); }
+    /// The node of a step that has just one; else null.
+    [[nodiscard]] CAudioProcessBase* singleNode(std::size_t step) const;
+    /// Makes one of several steps in a row.
+    void joinSteps(std::size_t first, std::size_t last, EStep kind);
 
     [[nodiscard]] bool isMade() const { return !m_nodes.empty(); }
     /// Nodes that run together with others.
     [[nodiscard]] std::size_t jointCount() const { return countNodes(EStep::together); }
     /// Nodes that run in series with others.
     [[nodiscard]] std::size_t seriesCount() const { return countNodes(EStep::inSeries); }
+
+    /// Nodes that run in pieces with others.
+    [[nodiscard]] std::size_t pieceCount() const { return countNodes(EStep::inPieces); }
 
 private:
     struct CStep {

@@ -78,6 +78,28 @@ void CAudioProcessPlanner::make(CAudioLineSource& source, CAudioProcessBase& roo
         }
     }
     order(plan);
+    overlap(plan);
+}
+
+void CAudioProcessPlanner::overlap(CAudioProcessPlan& plan)
+{
+    constexpr std::size_t kMostSteps = 8;
+    const auto terminalAt = [&plan](std::size_t step) {
+        return dynamic_cast<CAudioProcessTerminalBase*>(plan.singleNode(step));
+    };
+    for (std::size_t first = 0; first < plan.stepCount(); ++first) {
+        const CAudioProcessTerminalBase* const node = terminalAt(first);
+        for (std::size_t last = first + 1; node != nullptr && last < plan.stepCount(); ++last) {
+            const CAudioProcessTerminalBase* const behind = terminalAt(last);
+            if (behind == nullptr || last - first >= kMostSteps || !isTransparent(*terminalAt(last))) {
+                break;
+            }
+            if (node->canOverlap(*behind)) {
+                plan.joinSteps(first, last, CAudioProcessPlan::EStep::inPieces);
+                break;
+            }
+        }
+    }
 }
 
 std::size_t CAudioProcessPlanner::addStep(CAudioProcessBase& node, bool isJoint)

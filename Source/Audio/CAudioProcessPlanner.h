@@ -47,6 +47,8 @@ private:
     void follow(CAudioLineSource& source, int index, int firstIndex, CArray<CAudioLineRoute, 8>& routes);
     void followInto(CAudioProcessConnection& connection, int line, int firstIndex, CArray<CAudioLineRoute, 8>& routes);
     void order(CAudioProcessPlan& plan);
+    /// Finds nodes that pay to be run beside a node that waits for them, in pieces.
+    static void overlap(CAudioProcessPlan& plan);
     /// Whether a step gets all its lines from the other one, which feeds nothing else and has the same definition.
     [[nodiscard]] bool isInSeries(std::size_t step, std::size_t next) const;
 

@@ -3,6 +3,7 @@
 
 #include "Audio/CAudioParamReader.h"
 #include "Audio/CAudioParamStorage.h"
+#include "Audio/CAudioPieces.h"
 #include "Audio/CAudioProcessConnection.h"
 #include "Audio/CAudioProcessDefBase.h"
 #include "Core/CNumberText.h"
@@ -309,6 +310,32 @@ bool CAudioProcessTerminalBase::runInSeries(std::span<CAudioProcessBase* const> 
         last.output().sendPlanned(line++, std::move(buffer), nodes[0]->blockLength());
     }
     return true;
+}
+
+bool CAudioProcessTerminalBase::canOverlap(const CAudioProcessTerminalBase& behind) const
+{
+    return m_instances.size() == 1 && behind.m_instances.size() == 1 &&
+           m_instances[0]->canOverlap(*behind.m_instances[0]);
+}
+
+bool CAudioProcessTerminalBase::isFading() const
+{
+    return std::ranges::any_of(m_instances, [](const auto& instance) { return instance->isFading(); });
+}
+
+void CAudioProcessTerminalBase::processInPieces(std::span<CAudioProcessBase* const> nodes)
+{
+    const int length = nodes[0]->input().blockLength();
+    const auto isBusy = [](CAudioProcessBase* node) {
+        return static_cast<CAudioProcessTerminalBase*>(node)->isFading();
+    };
+    if (length >= CAudioPieces::kShortestBlock && std::ranges::none_of(nodes, isBusy)) {
+        CAudioPieces(nodes, length).run();
+        return;
+    }
+    for (CAudioProcessBase* const node : nodes) {
+        node->processPlanned();
+    }
 }
 
 } // namespace qrb

@@ -34,6 +34,15 @@ public:
     /// Runs one block of a plan for terminals of one definition of which each feeds the next one alone.
     static void processInSeries(std::span<CAudioProcessBase* const> nodes);
 
+    /// Whether running this node in pieces beside one behind it pays.
+    [[nodiscard]] bool canOverlap(const CAudioProcessTerminalBase& behind) const;
+    /// Runs one block of a plan for terminals in a row, the first one beside the last one.
+    static void processInPieces(std::span<CAudioProcessBase* const> nodes);
+    [[nodiscard]] std::span<const std::unique_ptr<CAudioModuleInstance>> instances() const
+    {
+        return m_instances.span();
+    }
+
     /// Samples of a module crossfade.
     [[nodiscard]] int fadeLength() const { return m_fadeLength; }
     /// Size of a module's table of touched parameters.
@@ -44,6 +53,7 @@ protected:
     [[nodiscard]] bool takesForm(ESampleForm form) const override;
 
 private:
+    [[nodiscard]] bool isFading() const;
     [[nodiscard]] static bool runInSeries(std::span<CAudioProcessBase* const> nodes);
     void runPlanned(CAudioModuleInstance& instance, int& line);
     void sendSettled(std::span<CSampleBuffer> outputs, int& line);

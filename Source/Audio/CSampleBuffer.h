@@ -39,26 +39,29 @@ enum class ESampleForm : std::uint8_t {
 class CSampleBuffer {
 public:
     CSampleBuffer() noexcept = default;
-    CSampleBuffer(const CSampleBuffer& other) noexcept : m_header(other.m_header), m_form(other.m_form)
+    CSampleBuffer(const CSampleBuffer& other) noexcept
+        : m_header(other.m_header), m_offset(other.m_offset), m_form(other.m_form)
     {
         if (m_header != nullptr) {
             ++m_header->references;
         }
     }
     CSampleBuffer(CSampleBuffer&& other) noexcept
-        : m_header(std::exchange(other.m_header, nullptr)), m_form(other.m_form)
+        : m_header(std::exchange(other.m_header, nullptr)), m_offset(other.m_offset), m_form(other.m_form)
     {
     }
     CSampleBuffer& operator=(const CSampleBuffer& other) noexcept
     {
         CSampleBuffer copy(other);
         std::swap(m_header, copy.m_header);
+        m_offset = copy.m_offset;
         m_form = copy.m_form;
         return *this;
     }
     CSampleBuffer& operator=(CSampleBuffer&& other) noexcept
     {
         std::swap(m_header, other.m_header);
+        m_offset = other.m_offset;
         m_form = other.m_form;
         other.clear();
         return *this;
@@ -78,7 +81,7 @@ public:
     /// Number of doubles there is room for.
     [[nodiscard]] int capacity() const noexcept
     {
-        return m_header == nullptr ? 0 : static_cast<int>(m_header->capacity / sizeof(double));
+        return m_header == nullptr ? 0 : static_cast<int>(m_header->capacity / sizeof(double)) - m_offset;
     }
     /// Samples; null for an empty reference.
     [[nodiscard]] double* data() noexcept { return samples(); }
@@ -88,6 +91,19 @@ public:
     [[nodiscard]] ESampleForm form() const noexcept { return m_form; }
     void setForm(ESampleForm form) noexcept { m_form = form; }
 
+    /// A reference to the samples from `start` on.
+    [[nodiscard]] CSampleBuffer from(int start) const noexcept
+    {
+        CSampleBuffer part(*this);
+        part.m_offset += start;
+        return part;
+    }
+    /// Whether both refer to one buffer, perhaps to different samples of it.
+    [[nodiscard]] bool sharesSamplesWith(const CSampleBuffer& other) const noexcept
+    {
+        return m_header == other.m_header;
+    }
+
     friend bool operator==(const CSampleBuffer& a, const CSampleBuffer& b) noexcept = default;
 
 private:
@@ -96,11 +112,12 @@ private:
 
     [[nodiscard]] double* samples() const noexcept
     {
-        return m_header == nullptr ? nullptr : reinterpret_cast<double*>(m_header + 1);
+        return m_header == nullptr ? nullptr : reinterpret_cast<double*>(m_header + 1) + m_offset;
     }
     void releaseReference() noexcept;
 
     CSampleBufferHeader* m_header = nullptr;
+    int m_offset = 0; ///< samples in front of the first one
     ESampleForm m_form = ESampleForm::whole;
 };
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/CAudioProcessPlan.h"
+#include "Audio/VectorWidth.h"
 #include "Tests/Product/CProductRig.h"
 
 #include <gtest/gtest.h>
@@ -45,6 +46,22 @@ TEST(TestProcessPlan, GivesTheBitsOfTheGraphThroughAllKindsOfChanges)
     for (const std::size_t blockSize : {512u, 64u, 37u})
         EXPECT_EQ(playChanges(true, blockSize, seriesCount), want) << "blocks of " << blockSize;
     EXPECT_GE(seriesCount, 4u * 5u) << "the filters of each group's equaliser";
+}
+
+TEST(TestProcessPlan, FollowersOfTheClipperRunSideBySideInPiecesOfTheBlock)
+{
+    const auto play = [](bool isPlanned, std::size_t blockSize) {
+        CProductRig rig({44100.0, 2, 2, 0, 3});
+        rig.set(kGroup + "clip-enable=1").set(kGroup + "outgain=12");
+        rig.at(3000, kGroup + "clip-enable=0").at(5000, kGroup + "clip-enable=1");
+        rig.instance().plan().setEnabled(isPlanned);
+        const CChannels out = rig.run(makeNoise(2, 9000), blockSize);
+        EXPECT_EQ(rig.instance().plan().pieceCount() > 1, isPlanned && qrb::hasVectorWidth(qrb::EVectorWidth::quads));
+        return out;
+    };
+    const CChannels want = play(false, 512);
+    for (const std::size_t blockSize : {512u, 509u, 64u, 37u, 32u, 5u})
+        EXPECT_TRUE(play(true, blockSize) == want) << "blocks of " << blockSize;
 }
 
 } // namespace

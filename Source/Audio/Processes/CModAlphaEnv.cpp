@@ -49,7 +49,16 @@ void CModAlphaEnvModule::update()
 
 EFollowerLoop CModAlphaEnvModule::loopOf(int line) const
 {
-    return followerLoop(m_settings, input(1, line) != nullptr);
+    return followerLoop(m_settings, CAudioModule::line(1, line) != nullptr);
+}
+
+bool CModAlphaEnvModule::canOverlap(const CAudioModule& waiting) const
+{
+    // Two lines wait for themselves so long that two more fit in between.
+    constexpr int kMostLines = 2;
+    const auto* const other = dynamic_cast<const CModAlphaEnvModule*>(&waiting);
+    return other != nullptr && widestVectors() == EVectorWidth::quads && outputCount() <= kMostLines &&
+           other->outputCount() <= kMostLines && m_settings.isFeedback && loopOf(0) == other->loopOf(0);
 }
 
 void CModAlphaEnvModule::process()

@@ -19,6 +19,7 @@ public:
     void process() override;
     [[nodiscard]] bool canRunTogether() const override { return true; }
     void processTogether(std::span<CAudioModule* const> modules) override;
+    [[nodiscard]] bool canOverlap(const CAudioModule& waiting) const override;
 
 private:
     [[nodiscard]] EFollowerMode mode(const CAudioParamSlot& slot) const;
