@@ -109,6 +109,9 @@ CErrorPtr CAudioParamData::load(CInputStream& in)
 {
     std::int32_t count = 0;
     QRB_TRY(in.readInt32(count));
+    // More than all cells could name would only be memory that a small chunk claims.
+    if (count < 0 || count > kAudioParamMaxGroups * kAudioParamMaxElements)
+        return QRB_ERROR("@qrbstr_CAudioParamData_load_Count Invalid data item count %1.", count);
     CAudioParamData loaded;
     for (std::int32_t i = 0; i < count; ++i) {
         std::int32_t key = 0;

@@ -112,6 +112,8 @@ TEST(CAudioParamStorage, DamagedBytesLeaveTheOldState)
         {Bytes() << 1 << 1 << 1 << 33, "Invalid group count 33."},
         {Bytes() << 1 << 1 << 1 << 1 << 0 << 4097, "Invalid element count 4097."},
         {Bytes() << 1 << 1 << 1 << 1 << 1 << 1 << 0, "Invalid data item type 0."},
+        {Bytes() << 1 << 1 << 1 << 1 << -1, "Invalid data item count -1."},
+        {Bytes() << 1 << 1 << 1 << 1 << 131073, "Invalid data item count 131073."},
         {Bytes() << 1 << 1 << 1 << 1 << 2147483647, ""},
         {Bytes() << 1 << 1 << 1 << 1 << 1 << 1 << 2 << 2147483647, ""},
         {Bytes() << 1 << 1 << 1 << 1 << 1 << 1 << 2 << -1, "Invalid data length -1."},

@@ -284,10 +284,10 @@ void CAudioParamRegistry::updateShadowPreset()
 void CAudioParamRegistry::makeShadow()
 {
     auto now = std::make_unique<CAudioPreset>(capture(-1));
+    auto history = m_undo != nullptr ? m_undo->copyHistory() : nullptr;
     const CScopedLock lock(m_bankLock);
     m_shadow = std::move(now);
-    if (m_undo != nullptr)
-        m_shadowHistory = m_undo->copyHistory();
+    m_shadowHistory = std::move(history);
 }
 
 CErrorPtr CAudioParamRegistry::exchangeShadowPreset()

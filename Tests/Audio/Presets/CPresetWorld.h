@@ -9,6 +9,7 @@
 #include "Tests/Support/CTestModule.h"
 
 #include <atomic>
+#include <functional>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
@@ -20,12 +21,18 @@ namespace qrb {
 class CTestUndo : public CAudioParamUndo {
 public:
     std::atomic<int> changeCount = 0; ///< told by whichever thread makes a change
+    std::function<void()> onChange;   ///< called there
 
     /// The list, joined with "|", and the position behind it.
     [[nodiscard]] std::string text() const;
 
 protected:
-    void onHistoryChanged() override { ++changeCount; }
+    void onHistoryChanged() override
+    {
+        ++changeCount;
+        if (onChange)
+            onChange();
+    }
 };
 
 /// Values of all bound parameters, texts and numbers, by path; trailing empty groups left out.

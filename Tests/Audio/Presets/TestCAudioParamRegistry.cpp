@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Audio/CAudioEnv.h"
 #include "Core/CMemoryReaderStatic.h"
 #include "Core/CUpdateListener.h"
 #include "Core/CWriteSeqBuffer.h"
 #include "Platform/CSystemThread.h"
 #include "Tests/Audio/Presets/CPresetWorld.h"
 
-#include <atomic>
 #include <limits>
 
 namespace qrb {
@@ -205,43 +203,6 @@ TEST(CAudioParamRegistry, RoutingPresetsTellWhatTheyNeed)
     EXPECT_FALSE(CAudioParamRegistry::isRoutingPresetUsable(damaged, true, true));
 }
 
-TEST(CAudioParamRegistry, NoBlockMixesTwoPresets)
-{
-    CPresetWorld world;
-    std::vector<CAudioPreset> presets;
-    for (const double value : {0.0, 1.0}) {
-        presets.push_back(numberPreset("main:x", {{"gain", value}, {"late", value}}));
-        presets.back().items["list"] = numberBlob({{value, value, value}, {value}});
-    }
-    EXPECT_EQ(world.activate(world.master, presets[0]), "");
-    world.params.flushQueue();
-    world.params.env().setActive(true);
-    std::atomic<bool> isDone{false};
-    int mixedCount = 0;
-    int blockCount = 0;
-    platform::CSystemThread audio;
-    const CAudioParam* const params[] = {&world.param("gain"), &world.param("list"), &world.param("late")};
-    const auto run = [&] {
-        while (!isDone.load()) {
-            world.params.flushQueue();
-            ++blockCount;
-            const double value = params[0]->audioStorage().value(0, 0);
-            for (const CAudioParam* const param : params)
-                for (int element = 0; element < param->audioStorage().elementCount(0); ++element)
-                    mixedCount += param->audioStorage().value(0, element) != value ? 1 : 0;
-        }
-    };
-    ASSERT_EQ(audio.start("audio", run, platform::EThreadPriority::normal), 0);
-    for (int i = 1; i < 1000; ++i)
-        EXPECT_EQ(world.activate(world.master, presets[static_cast<std::size_t>(i % 2)]), "");
-    for (int i = 0; i < 300; ++i)
-        world.undo.setPosition(i % 2 == 0 ? 31 : 32);
-    isDone = true;
-    audio.join();
-    EXPECT_EQ(mixedCount, 0);
-    EXPECT_GT(blockCount, 0);
-}
-
 TEST(CAudioParamRegistry, ThreadsMayWorkBesideEachOther)
 {
     CPresetWorld world;
@@ -267,6 +228,23 @@ TEST(CAudioParamRegistry, ThreadsMayWorkBesideEachOther)
                   0);
     for (platform::CSystemThread& thread : threads)
         thread.join();
+}
+
+TEST(CAudioParamRegistry, TheHistoryIsToldWhileOthersMayLookAtTheBank)
+{
+    CPresetWorld world;
+    world.undo.onChange = [&world] {
+        platform::CSystemThread other;
+        ASSERT_EQ(other.start(
+                      "other", [&world] { (void)world.names(); }, platform::EThreadPriority::normal),
+                  0);
+        other.join();
+    };
+    world.gesture("g", "gain", 0.5);
+    world.master.updateShadowPreset();
+    EXPECT_FALSE(world.master.exchangeShadowPreset());
+    EXPECT_EQ(world.activate(world.master, numberPreset("main:x", {}), -1, &world), "");
+    EXPECT_EQ(world.undo.changeCount, 4);
 }
 
 } // namespace
