@@ -4,7 +4,8 @@
 #include "Audio/CAudioEnv.h"
 #include "Audio/CAudioProcessTerminalBase.h"
 #include "Audio/CSampleBufferPool.h"
-#include "Audio/Processes/SpectrumFrame.h"
+#include "Audio/CopySamples.h"
+#include "Audio/Processes/CSpectrumFrame.h"
 #include "Audio/Viz/CAudioVizDataSpectrum.h"
 #include "Core/CNumberText.h"
 #include "Core/CProcessState.h"
@@ -12,7 +13,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
+#include <cstdint>
+#include <span>
 #include <utility>
 
 namespace qrb {
@@ -46,18 +48,22 @@ void CModSpectrumModule::start()
 
 void CModSpectrumModule::reset()
 {
-    if (!m_ring.empty())
+    if (m_size != 0)
         clearSpectra();
 }
 
 void CModSpectrumModule::update()
 {
     const CAudioParamSlot* const clearing[] = {&m_blockSize, &m_type, &m_secondType, &m_secondEnable, &m_resetSlot};
-    if (isFirstUpdate() || std::ranges::any_of(clearing, [this](const auto* slot) { return isTouched(*slot); }))
+    const bool isAnew =
+        isFirstUpdate() || std::ranges::any_of(clearing, [this](const auto* slot) { return isTouched(*slot); });
+    if (isAnew)
         setFrameSize();
-    const auto size = static_cast<double>(m_ring.size());
+    const auto size = static_cast<double>(m_size);
     const double hop = std::clamp(size * (1.0 - value(m_overlap)), 1.0, size);
     m_hop = static_cast<std::size_t>(roundToInt(hop));
+    if (isAnew)
+        clearSpectra();
     m_untilFrame = std::min(m_untilFrame, m_hop);
     m_average = value(m_averageTime);
     const double frames = sampleRate() / static_cast<double>(m_hop) * m_average;
@@ -68,25 +74,22 @@ void CModSpectrumModule::update()
 void CModSpectrumModule::setFrameSize()
 {
     const int log2Size = kMinLog2Size + std::clamp(valueInt(m_blockSize), 0, kMaxLog2Size - kMinLog2Size);
-    const std::size_t size = std::size_t{1} << log2Size;
+    m_size = std::size_t{1} << log2Size;
     m_plan = &processState().fftPlans->plan(static_cast<unsigned>(log2Size));
-    m_window.setSize(size);
-    m_ring.resize(size);
+    m_samples.resize(2 * m_size);
     m_hasSecond = isOn(m_secondEnable);
-    m_untilFrame = size;
     for (CSpectrum* spectrum : {&m_main, &m_second})
-        spectrum->writer.setBinCount(size / 2 + 1);
-    clearSpectra();
+        spectrum->writer.setBinCount(m_size / 2 + 1);
 }
 
 void CModSpectrumModule::clearSpectra()
 {
-    const std::size_t binCount = m_ring.size() / 2 + 1;
-    std::fill(m_ring.begin(), m_ring.end(), 0.0);
-    m_position = 0;
+    std::fill_n(m_samples.begin(), m_size, 0.0);
+    m_end = m_size;
     m_untilFrame = m_hop;
-    m_main.bins.start(CSpectrumAccumulator::kindOf(valueInt(m_type)), binCount);
-    m_second.bins.start(CSpectrumAccumulator::kindOf(valueInt(m_secondType)), m_hasSecond ? binCount : 0);
+    m_main.bins.start(CSpectrumAccumulator::kindOf(valueInt(m_type)), m_size);
+    if (m_hasSecond)
+        m_second.bins.start(CSpectrumAccumulator::kindOf(valueInt(m_secondType)), m_size);
     m_hasPosted = false;
     m_resetTime = streamTime();
 }
@@ -125,28 +128,40 @@ void CModSpectrumModule::process()
 void CModSpectrumModule::collect(const double* samples, std::size_t count)
 {
     while (count > 0) {
-        const std::size_t part = std::min(count, m_ring.size() - m_position);
-        std::memcpy(m_ring.data() + m_position, samples, part * sizeof(double));
-        m_position = (m_position + part) & (m_ring.size() - 1);
+        if (m_end == 2 * m_size) {
+            copySamples(m_samples.data() + m_size, m_size, m_samples.data());
+            m_end = m_size;
+        }
+        const std::size_t part = std::min(count, 2 * m_size - m_end);
+        copySamples(samples, part, m_samples.data() + m_end);
+        m_end += part;
         samples += part;
         count -= part;
     }
 }
 
+bool CModSpectrumModule::findFrame()
+{
+    CSampleBuffer room = pool().get(static_cast<int>(CSpectrumFrame::termRoom(m_size)));
+    CSampleBuffer aligned;
+    const double* samples = m_samples.data() + (m_end - m_size);
+    if (reinterpret_cast<std::uintptr_t>(samples) % platform::CRealFFTPlan::kAlignment != 0) {
+        aligned = pool().get(static_cast<int>(m_size));
+        copySamples(samples, m_size, aligned.data());
+        samples = aligned.data();
+    }
+    CSpectrumFrame frame;
+    if (!frame.transform(*m_plan, samples, room.data()))
+        return false;
+    CSpectrumAccumulator* const spectra[] = {&m_main.bins, &m_second.bins};
+    CSpectrumAccumulator::add(frame, std::span(spectra, m_hasSecond ? 2 : 1), m_rates);
+    return true;
+}
+
 void CModSpectrumModule::runFrame(double time)
 {
-    const std::size_t size = m_ring.size();
-    const std::size_t binCount = size / 2 + 1;
-    CSampleBuffer frame = pool().get(static_cast<int>(size));
-    CSampleBuffer terms = pool().get(static_cast<int>(size + 2));
-    const std::size_t older = size - m_position;
-    std::memcpy(frame.data(), m_ring.data() + m_position, older * sizeof(double));
-    std::memcpy(frame.data() + older, m_ring.data(), m_position * sizeof(double));
-    if (!findMagnitudes(m_window, *m_plan, frame.data(), terms.data()))
+    if (!findFrame())
         return; // or it would stay in the bins for ever
-    m_main.bins.add({terms.data(), binCount}, m_rates);
-    if (m_hasSecond)
-        m_second.bins.add({terms.data(), binCount}, m_rates);
     if (m_hasPosted && time - m_postTime < 1.0 / viewRate() / kRateMargin)
         return;
     post(m_main, time);
@@ -174,12 +189,12 @@ void CModSpectrumModule::post(CSpectrum& spectrum, double time)
     record->channel = channel();
     record->group = group();
     record->index = element();
-    record->time = time - 0.5 * static_cast<double>(m_ring.size()) / sampleRate();
+    record->time = time - 0.5 * static_cast<double>(m_size) / sampleRate();
     record->sampleRate = sampleRate();
-    record->blockSize = static_cast<std::int32_t>(m_ring.size());
+    record->blockSize = static_cast<std::int32_t>(m_size);
     record->spectrumKind = static_cast<std::int32_t>(kind);
     record->average = isSinceReset ? time - m_resetTime : m_average;
-    record->bins.resize(m_ring.size() / 2 + 1);
+    record->bins.resize(m_size / 2 + 1);
     spectrum.bins.copyTo(record->bins.span());
     spectrum.writer.post(std::move(record));
 }

@@ -4,7 +4,6 @@
 #include "Audio/CAudioProcessTerminal.h"
 #include "Audio/Processes/CModDef.h"
 #include "Audio/Processes/CSpectrumAccumulator.h"
-#include "Audio/Processes/CSpectrumWindow.h"
 #include "Audio/Viz/CAudioVizWriter.h"
 
 namespace qrb {
@@ -33,6 +32,7 @@ private:
     void setFrameSize();
     void clearSpectra();
     void collect(const double* samples, std::size_t count);
+    [[nodiscard]] bool findFrame();
     void runFrame(double time);
     [[nodiscard]] double viewRate() const;
     void post(CSpectrum& spectrum, double time);
@@ -50,10 +50,10 @@ private:
     CSpectrum m_main;
     CSpectrum m_second;
     const platform::CRealFFTPlan* m_plan = nullptr; ///< the process's
-    CSpectrumWindow m_window;
     CSpectrumRates m_rates;
-    CArray<double, 0> m_ring;
-    std::size_t m_position = 0; ///< in the ring: of the oldest sample, where the next one goes
+    std::size_t m_size = 0;      ///< samples of a frame
+    CArray<double, 0> m_samples; ///< room for two frames, so that a frame seldom needs to be moved
+    std::size_t m_end = 0;       ///< of the latest samples in there, at least a frame
     std::size_t m_hop = 1;
     std::size_t m_untilFrame = 1;
     double m_average = 0.0; ///< seconds

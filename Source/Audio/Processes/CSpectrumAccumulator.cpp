@@ -1,83 +1,48 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/Processes/CSpectrumAccumulator.h"
 
+#include "Audio/Processes/CSpectrumFrame.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace qrb {
-
-namespace {
-
-void addAverage(double* bins, const double* magnitudes, std::size_t count, double rate)
-{
-    for (std::size_t i = 0; i < count; ++i)
-        bins[i] += (magnitudes[i] - bins[i]) * rate;
-}
-
-void addMax(double* bins, const double* magnitudes, std::size_t count)
-{
-    for (std::size_t i = 0; i < count; ++i)
-        bins[i] = bins[i] > magnitudes[i] ? bins[i] : magnitudes[i];
-}
-
-void addSum(double* bins, const double* magnitudes, std::size_t count)
-{
-    for (std::size_t i = 0; i < count; ++i)
-        bins[i] += magnitudes[i];
-}
-
-void addFallingMax(double* bins, const double* magnitudes, std::size_t count, double rate)
-{
-    for (std::size_t i = 0; i < count; ++i) {
-        const double fallen = bins[i] + (magnitudes[i] - bins[i]) * rate;
-        bins[i] = magnitudes[i] > bins[i] ? magnitudes[i] : fallen;
-    }
-}
-
-void addSigma(double* bins, double* means, const double* magnitudes, std::size_t count, const CSpectrumRates& rates)
-{
-    for (std::size_t i = 0; i < count; ++i) {
-        means[i] += (magnitudes[i] - means[i]) * rates.value;
-        const double distance = means[i] - magnitudes[i];
-        const double variance = bins[i] * bins[i];
-        bins[i] = std::sqrt(std::abs(variance + (distance * distance - variance) * rates.variance));
-    }
-}
-
-} // namespace
 
 ESpectrumKind CSpectrumAccumulator::kindOf(int value)
 {
     return static_cast<ESpectrumKind>(std::clamp(value, 0, static_cast<int>(ESpectrumKind::rtSigma)));
 }
 
-void CSpectrumAccumulator::start(ESpectrumKind kind, std::size_t binCount)
+void CSpectrumAccumulator::start(ESpectrumKind kind, std::size_t size)
 {
+    const std::size_t room = CSpectrumFrame::binRoom(size);
     m_kind = kind;
     m_frameCount = 0;
-    m_bins.resize(binCount);
-    m_means.resize(kind == ESpectrumKind::rtSigma ? binCount : 0);
+    m_bins.resize(room);
+    m_means.resize(kind == ESpectrumKind::rtSigma ? room : 0);
     std::fill(m_bins.begin(), m_bins.end(), 0.0);
     std::fill(m_means.begin(), m_means.end(), 0.0);
 }
 
-void CSpectrumAccumulator::add(std::span<const double> magnitudes, const CSpectrumRates& rates)
+void CSpectrumAccumulator::add(const CSpectrumFrame& frame, std::span<CSpectrumAccumulator* const> spectra,
+                               const CSpectrumRates& rates)
 {
-    const double* const from = magnitudes.data();
-    const std::size_t count = std::min(magnitudes.size(), m_bins.size());
-    ++m_frameCount;
-    switch (m_kind) {
-    case ESpectrumKind::rtAverage:
-        return addAverage(m_bins.data(), from, count, rates.value);
-    case ESpectrumKind::max:
-        return addMax(m_bins.data(), from, count);
-    case ESpectrumKind::average:
-        return addSum(m_bins.data(), from, count);
-    case ESpectrumKind::rtMax:
-        return addFallingMax(m_bins.data(), from, count, rates.value);
-    case ESpectrumKind::rtSigma:
-        return addSigma(m_bins.data(), m_means.data(), from, count, rates);
+    if (spectra.empty())
+        return;
+    constexpr std::size_t kChunk = 256; // what is found stays near the processor until all have taken it
+    double magnitudes[kChunk];
+    const CSpectrumKernels& kernels = spectrumKernels();
+    CSpectrumAccumulator& leader = *spectra.front();
+    const std::span<CSpectrumAccumulator* const> others = spectra.subspan(1);
+    for (std::size_t first = 0; first < leader.m_bins.size(); first += kChunk) {
+        const std::size_t count = std::min(kChunk, leader.m_bins.size() - first);
+        kernels.first[leader.place()](frame.power(), frame.terms() + 2 * first, count, rates, leader.at(first),
+                                      others.empty() ? nullptr : magnitudes);
+        for (CSpectrumAccumulator* const spectrum : others)
+            kernels.next[spectrum->place()](magnitudes, count, rates, spectrum->at(first));
     }
+    for (CSpectrumAccumulator* const spectrum : spectra)
+        ++spectrum->m_frameCount;
 }
 
 void CSpectrumAccumulator::copyTo(std::span<double> out) const
@@ -86,7 +51,7 @@ void CSpectrumAccumulator::copyTo(std::span<double> out) const
     const double factor = isSum ? 1.0 / static_cast<double>(m_frameCount) : 1.0;
     const std::size_t count = std::min(out.size(), m_bins.size());
     for (std::size_t i = 0; i < count; ++i)
-        out[i] = m_bins[i] * factor;
+        out[i] = hasSquares() ? std::sqrt(m_bins[i]) : m_bins[i] * factor;
 }
 
 } // namespace qrb

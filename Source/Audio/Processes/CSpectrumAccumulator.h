@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Audio/Processes/SpectrumKernels.h"
 #include "Core/CArray.h"
 
 #include <cstddef>
@@ -9,14 +10,7 @@
 
 namespace qrb {
 
-/// How the frames of a spectrum are joined. The numbers are parameter states and part of the message format.
-enum class ESpectrumKind : std::int32_t { rtAverage, max, average, rtMax, rtSigma };
-
-/// Shares of a new frame in the smoothers of a spectrum.
-struct CSpectrumRates {
-    double value = 1.0;
-    double variance = 1.0; ///< twice as fast as `value`
-};
+class CSpectrumFrame;
 
 /// The spectrum that the frames so far make.
 class CSpectrumAccumulator {
@@ -24,9 +18,11 @@ public:
     /// The kind of a parameter's value.
     [[nodiscard]] static ESpectrumKind kindOf(int value);
 
-    /// Starts anew. Memory is taken only for more bins than ever before.
-    void start(ESpectrumKind kind, std::size_t binCount);
-    void add(std::span<const double> magnitudes, const CSpectrumRates& rates);
+    /// Starts anew, for frames of `size` samples. Memory is taken only for more bins than ever before.
+    void start(ESpectrumKind kind, std::size_t size);
+    /// Takes a frame into one spectrum or several, all started for its size.
+    static void add(const CSpectrumFrame& frame, std::span<CSpectrumAccumulator* const> spectra,
+                    const CSpectrumRates& rates);
     /// Whether copyTo() has something: means need a frame.
     [[nodiscard]] bool hasResult() const { return m_kind != ESpectrumKind::average || m_frameCount > 0; }
     /// The bins as they are shown; as many as `out` has.
@@ -34,8 +30,12 @@ public:
     [[nodiscard]] ESpectrumKind kind() const { return m_kind; }
 
 private:
+    [[nodiscard]] std::size_t place() const { return static_cast<std::size_t>(m_kind); }
+    [[nodiscard]] CSpectrumBins at(std::size_t first) { return {m_bins.data() + first, m_means.data() + first}; }
+    [[nodiscard]] bool hasSquares() const { return m_kind == ESpectrumKind::max || m_kind == ESpectrumKind::rtSigma; }
+
     ESpectrumKind m_kind = ESpectrumKind::rtAverage;
-    CArray<double, 0> m_bins;
+    CArray<double, 0> m_bins;  ///< filled up to whole steps of the kernels
     CArray<double, 0> m_means; ///< of rtSigma only
     std::int64_t m_frameCount = 0;
 };

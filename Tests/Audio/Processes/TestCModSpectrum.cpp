@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <complex>
+#include <limits>
 #include <random>
 
 namespace qrb {
@@ -81,29 +82,83 @@ struct CSlowSpectrum {
     [[nodiscard]] double at(std::size_t i) const { return kind == 2 ? bins[i] / frames : bins[i]; }
 };
 
-TEST(CModSpectrum, ASineOnABinReads0707AtAllSizes)
+TEST(CModSpectrum, ASineOnABinReads0707InAllSizesKindsAndOverlaps)
 {
+    constexpr double kOverlaps[] = {0.5, 0.75, 0.875, 0.9375};
     CGraphRig rig(spectrumXml());
     CVizProbe probe(rig.viz());
     (void)probe.listen(kSource);
-    for (int index = 0; index <= 10; ++index) {
-        const int size = 64 << index;
+    (void)probe.listen(kSecond);
+    rig.set("avg", 1e-9); // all smoothers follow at once
+    rig.set("sec", 1);
+    int begin = 0;
+    for (int i = 0; i < 11 * 5; ++i) {
+        const int size = 64 << i / 5;
+        const int kind = i % 5;
         const int bin = size / 8 + 1;
-        rig.set("size", index);
-        rig.set("type", 1);
+        const double overlap = kOverlaps[(i / 5 + kind) % 4];
+        rig.set("size", i / 5);
+        rig.set("overlap", overlap);
+        rig.set("type", kind);
+        rig.set("sectype", 4 - kind);
         warmUp(rig, probe);
         rig.input = [&](int, int n) {
             return std::sin(2.0 * kPi * static_cast<double>(static_cast<std::int64_t>(n) * bin % size) / size);
         };
-        (void)rig.run(4 * size + 2000, 512);
-        const auto records = probe.pull<CAudioVizDataSpectrum>(kSource);
-        ASSERT_FALSE(records.empty()) << size;
-        const CAudioVizDataSpectrum& last = records.back();
-        ASSERT_EQ(last.bins.size(), static_cast<std::size_t>(size / 2 + 1));
-        // The first frames begin in silence, the highest of all is that of the steady sine.
-        EXPECT_NEAR(last.bins[static_cast<std::size_t>(bin)], std::sqrt(0.5), 1e-9) << size;
-        EXPECT_EQ(last.blockSize, size);
-        EXPECT_EQ(last.sampleRate, kRate);
+        ++begin;
+        const int count = 3 * size + 5000;
+        (void)rig.run(count, 512);
+        auto records = probe.pull();
+        for (const auto& [name, isKind] : {std::pair(kSource, kind), std::pair(kSecond, 4 - kind)}) {
+            SCOPED_TRACE(std::string(name) + " " + std::to_string(size) + " " + std::to_string(isKind));
+            ASSERT_EQ(records[name].size(), 2u);
+            const auto& before = dynamic_cast<CAudioVizDataSpectrum&>(*records[name][0]);
+            const auto& last = dynamic_cast<CAudioVizDataSpectrum&>(*records[name][1]);
+            ASSERT_EQ(last.bins.size(), static_cast<std::size_t>(size / 2 + 1));
+            EXPECT_EQ(last.blockSize, size);
+            EXPECT_EQ(last.sampleRate, kRate);
+            EXPECT_EQ(last.spectrumKind, isKind);
+            const auto frames = [&](const CAudioVizDataSpectrum& record) {
+                return (record.time * kRate + 0.5 * size - begin) / std::round(size * (1.0 - overlap));
+            };
+            EXPECT_NEAR(frames(last), std::round(frames(last)), 1e-6);
+            EXPECT_GT(frames(last), frames(before) + 0.5);
+            const auto level = [&](int at) {
+                const auto place = static_cast<std::size_t>(at);
+                return isKind != 2 ? last.bins[place] // a mean: of the frames between the two, which are all steady
+                                   : (last.bins[place] * frames(last) - before.bins[place] * frames(before)) /
+                                         (frames(last) - frames(before));
+            };
+            const double steady = isKind == 4 ? 0.0 : std::sqrt(0.5);
+            EXPECT_NEAR(level(bin), steady, 1e-9);
+            if (isKind != 1) { // its first frames begin with a step, which is all over the spectrum
+                EXPECT_NEAR(level(bin - 1), 0.5 * steady, 1e-9);
+                EXPECT_NEAR(level(bin + 1), 0.5 * steady, 1e-9);
+                EXPECT_NEAR(level(0), 0.0, 1e-9);
+                EXPECT_NEAR(level(size / 2), 0.0, 1e-9);
+            }
+        }
+        begin += count;
+    }
+}
+
+TEST(CModSpectrum, BadSamplesAreForgottenWithTheirFrames)
+{
+    const double infinity = std::numeric_limits<double>::infinity();
+    for (const double bad : {std::numeric_limits<double>::quiet_NaN(), infinity, -1e200, 1e308}) {
+        for (int kind = 0; kind < 5; kind += kind == 0 ? 3 : 1) { // the others hold for ever what is loud
+            CGraphRig rig(spectrumXml());
+            CVizProbe probe(rig.viz());
+            (void)probe.listen(kSource);
+            rig.set("type", kind);
+            rig.set("avg", 1e-9);
+            rig.input = [&](int, int n) { return n == 3000 || n == 3001 ? bad : n % 2 == 0 ? 1.0 : -1.0; };
+            warmUp(rig, probe);
+            (void)rig.run(8000, 100);
+            EXPECT_NEAR(probe.pull<CAudioVizDataSpectrum>(kSource).back().bins[32], kind == 4 ? 0.0 : std::sqrt(2.0),
+                        1e-9)
+                << bad << " " << kind;
+        }
     }
 }
 
@@ -111,7 +166,7 @@ TEST(CModSpectrum, FollowsTheSlowModelInAllKindsAndOverlaps)
 {
     constexpr int kSize = 64;
     for (int kind = 0; kind < 5; ++kind) {
-        for (const double overlap : {0.5, 0.9375}) {
+        for (const double overlap : {0.5, 0.67, 0.9375}) { // the second moves on by an odd number of samples
             CGraphRig rig(spectrumXml());
             CVizProbe probe(rig.viz());
             (void)probe.listen(kSource);
@@ -179,6 +234,14 @@ TEST(CModSpectrum, AResetStartsAnewAndOtherSizesGetOtherRecords)
         EXPECT_EQ(record.bins.size(), 33u);
     (void)rig.run(5000);
     EXPECT_EQ(probe.pull<CAudioVizDataSpectrum>(kSource).back().bins.size(), 257u);
+    rig.set("overlap", 0.9375);
+    (void)rig.run(100);
+    rig.set("overlap", 0.5);
+    rig.set("type", 0);
+    (void)rig.run(255);
+    (void)probe.pull();
+    (void)rig.run(1);
+    EXPECT_EQ(probe.pull<CAudioVizDataSpectrum>(kSource).size(), 1u) << "the first frame comes after a whole hop";
     rig.allocations = 0;
     for (int i = 0; i < 200; ++i)
         rig.feedOnly(64);
