@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/CAudioEnv.h"
 #include "Audio/Viz/CAudioVizDataMeter.h"
 #include "Tests/Audio/CGraphRig.h"
 #include "Tests/Audio/Processes/ModuleXml.h"
@@ -221,6 +222,90 @@ TEST(CModMeter, FallsAsItsReleaseSaysAndHoldsPeaksForTheirTime)
     // Five periods, the last of which began with the peak.
     EXPECT_NEAR(records[24].peak, records[19].peak, 1e-3);
     EXPECT_LT(records[26].peak, 0.45);
+}
+
+TEST(CModMeter, SinesNoiseAndStepsReadAsTheirFormulas)
+{
+    constexpr int kPeriod = 442;
+    constexpr double kTolerance = 0.01; // decibels
+    const auto decibels = [](double x) { return 20.0 * std::log10(x); };
+    const auto records = [](const std::string& xml, const CGraphRig::FInput& input, int periods) {
+        CGraphRig rig(xml);
+        CVizProbe probe(rig.viz());
+        (void)probe.listen(kSource);
+        rig.input = [&](int line, int n) { return n <= 8192 ? 1.0 : input(line, n - 8193); };
+        warmUp(rig, probe);
+        for (; periods > 40; periods -= 40) {
+            for (int i = 0; i < 40; ++i)
+                rig.feedOnly(kPeriod);
+            (void)probe.pull();
+        }
+        (void)rig.run(periods * kPeriod, 512);
+        return probe.pull<CAudioVizDataMeter>(kSource);
+    };
+    CSetting setting;
+    setting.gain = setting.peakGain = 1.0;
+    setting.rms = 0.1;
+    const auto stepRest = [&](int count) { // of a step, behind so many samples of the mean
+        const double x = 2.0 - std::cos(2.0 * std::acos(-1.0) / kRate / (1.362 * setting.rms));
+        return std::pow(x - std::sqrt(x * x - 1.0), count);
+    };
+    const auto sine = [](int, int n) { return 0.5 * std::sin(2.0 * std::acos(-1.0) * (n % 44) / 44.0); };
+
+    setting.rms = 0.5; // or the mean would follow the wave
+    const CAudioVizDataMeter sineRecord = records(meterXml(setting, "fps='100'"), sine, 200).back();
+    EXPECT_NEAR(decibels(sineRecord.value), decibels(0.5 * std::sqrt(0.5)), kTolerance);
+    EXPECT_NEAR(decibels(sineRecord.peak), decibels(0.5), kTolerance);
+
+    setting.rms = 0.1;
+    const auto risen = records(
+        meterXml(setting, "fps='100'"), [](int, int) { return 0.25; }, 20);
+    const auto fallen = records(
+        meterXml(setting, "fps='100' is-compression='true'"), [](int, int) { return 0.25; }, 20);
+    for (int i = 0; i < 20; ++i) {
+        const double rest = stepRest((i + 1) * kPeriod);
+        const auto place = static_cast<std::size_t>(i);
+        EXPECT_NEAR(decibels(risen[place].value), decibels(0.25 * std::sqrt(1.0 - rest)), kTolerance) << i;
+        EXPECT_NEAR(decibels(fallen[place].value), 0.5 * decibels(0.0625 + 0.9375 * rest), kTolerance) << i;
+        EXPECT_NEAR(decibels(fallen[place].peak), decibels(0.25), kTolerance) << i;
+    }
+    EXPECT_NEAR(decibels(records(ratioXml(setting, "fps='100'"), sine, 200).back().value), decibels(2.0), kTolerance);
+
+    // What stays is no gain any more; a change is, until it stays too.
+    setting.useBias = 1.0;
+    setting.biasTime = 0.1;
+    setting.rms = 0.001;
+    const auto biased = records(
+        meterXml(setting, "fps='100' is-compression='true'"), [](int, int n) { return n < 390 * kPeriod ? 0.5 : 0.25; },
+        400);
+    EXPECT_NEAR(decibels(biased[biased.size() - 11].value), 0.0, kTolerance);
+    EXPECT_NEAR(decibels(biased[biased.size() - 10].peak), decibels(0.5), kTolerance);
+
+    setting = {};
+    setting.gain = 1.0;
+    setting.release = 0.0;
+    setting.rms = 40.0;
+    std::minstd_rand random(1);
+    const auto noise = [&](int, int) { return std::uniform_real_distribution<double>(-1.0, 1.0)(random); };
+    EXPECT_NEAR(decibels(records(meterXml(setting, "fps='100'"), noise, 12000).back().value),
+                decibels(std::sqrt(1.0 / 3.0)), kTolerance);
+}
+
+TEST(CModMeter, WithoutARateOfItsOwnItFollowsTheEditors)
+{
+    CGraphRig rig(meterXml({}, ""));
+    CVizProbe probe(rig.viz());
+    (void)probe.listen(kSource);
+    for (int i = 0; i < 20; ++i) {
+        (void)rig.run(1);
+        (void)probe.pull(i / 60.0);
+    }
+    CAudioEnv& env = rig.viz().env();
+    env.vizUpdateRateAudio = env.vizUpdateRate; // what an instance does before each block
+    (void)rig.run(4410);
+    const auto records = probe.pull<CAudioVizDataMeter>(kSource);
+    ASSERT_GE(records.size(), 3u);
+    EXPECT_NEAR((records[2].time - records[1].time) * kRate, 736.0, 1e-6) << "735 made even";
 }
 
 TEST(CModMeter, PeriodsAreEvenAndNotTooShort)
