@@ -51,10 +51,7 @@ CAudioWrapper::CAudioWrapper() = default;
 
 CAudioWrapper::~CAudioWrapper()
 {
-    if (m_interfaceBase != nullptr) {
-        m_interfaceBase->setDataProvider(nullptr);
-        m_interfaceBase->disconnect();
-    }
+    disconnectClients();
     m_plan.clear();
     m_inputSource.disconnectAll();
     m_lastNode.reset();
@@ -161,7 +158,7 @@ void CAudioWrapper::setSampleRate(double rate)
         m_env->setSampleRate(rate);
         m_isReconfigureDue = true;
     }
-    m_isSetupNew = true;
+    noteNewSetup();
     updateOversamplingMode();
 }
 
@@ -185,7 +182,7 @@ void CAudioWrapper::setChannelCounts(int main, int sidechain)
     m_isReconfigureDue = true;
     m_toldInputs = main;
     m_toldSidechain = sidechain;
-    m_isSetupNew = true;
+    noteNewSetup();
 }
 
 void CAudioWrapper::setOutputs(const CHostBusFormat& format)
@@ -195,7 +192,7 @@ void CAudioWrapper::setOutputs(const CHostBusFormat& format)
         m_isReconfigureDue = true;
     }
     if (m_toldOutputs.exchange(format.channelCount) != format.channelCount)
-        m_isSetupNew = true;
+        noteNewSetup();
     m_outputNode->setFormat(format);
 }
 

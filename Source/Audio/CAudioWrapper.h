@@ -116,6 +116,11 @@ public:
     /// Calls of the library's allocator during the last block. Thread: that of processBlock.
     [[nodiscard]] std::uint64_t getBlockAllocations() const { return m_blockAllocations; }
 
+protected:
+    /// Ends what clients of the interface have going on, and takes no more of their requests. A binding that is told of
+    /// gestures calls it first in its destructor: behind that only this class is there to hear of their ends.
+    void disconnectClients();
+
 private:
     CErrorPtr createTree();
     CErrorPtr findObjects();
@@ -126,6 +131,7 @@ private:
     void setChannelCounts(int main, int sidechain);
     void updateOversamplingMode();
     void flushHostParams();
+    void noteNewSetup();
     void tellSetup();
     void setClientsActive(bool isActive);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What an instance and the clients of its interface tell each other.
 #include "Audio/CAudioEnv.h"
+#include "Audio/CAudioParamCollector.h"
 #include "Audio/CAudioWrapper.h"
 #include "Audio/Interface/CAudioInterfaceBase.h"
 
@@ -16,6 +17,20 @@ void CAudioWrapper::onBeginChange(CAudioParam&, std::int32_t, std::int32_t) {}
 void CAudioWrapper::onEndChange(CAudioParam&, std::int32_t, std::int32_t) {}
 
 void CAudioWrapper::importChannelLabels() {}
+
+void CAudioWrapper::disconnectClients()
+{
+    if (m_interfaceBase == nullptr)
+        return;
+    m_interfaceBase->disconnect(); // ends gestures, which is told
+    m_interfaceBase->setDataProvider(nullptr);
+}
+
+void CAudioWrapper::noteNewSetup()
+{
+    m_isSetupNew = true;
+    m_paramCollector->wakeDeferred(); // the owner's thread tells it
+}
 
 void CAudioWrapper::tellSetup()
 {
