@@ -7,6 +7,8 @@
 #include "Audio/Interface/CParamInterfaceIds.h"
 #include "Audio/Interface/CParamInterfaceMessage.h"
 
+#include <algorithm>
+
 namespace qrb {
 
 CParamListener::CParamListener(std::int32_t id, CAudioParam& param, CParamInterfaceBaseConnector& connector)
@@ -43,7 +45,8 @@ void CParamListener::sendState(const CAudioParamGuard& guard)
     defaults.values = values.defaultCells().data();
     defaults.data = &values.data();
     sendInfo(&defaults);
-    for (std::int32_t group = 0; group < values.groupCount(); ++group)
+    // Groups that are gone by now are told as empty ones: a client that has lost messages may still have them.
+    for (std::int32_t group = 0, end = std::max(m_toldGroups, values.groupCount()); group < end; ++group)
         sendValue(values.wholeGroup(group, group));
 }
 
@@ -71,6 +74,7 @@ void CParamListener::sendInfo(const CAudioParamUpdate* value)
 
 void CParamListener::sendValue(const CAudioParamUpdate& update)
 {
+    m_toldGroups = std::max(m_toldGroups, update.group + 1);
     CParamInterfaceMessage message("update-param");
     message.add(m_id);
     static_cast<void>(update.save(message.out()));

@@ -33,6 +33,7 @@ private:
     std::int32_t m_id;
     CAudioParam& m_param;
     CParamInterfaceBaseConnector& m_connector;
+    std::int32_t m_toldGroups = 1; ///< behind the last group that was told; guarded by the parameters' lock
 };
 
 } // namespace qrb

@@ -2,6 +2,9 @@
 #include "Audio/Interface/CParamInterfaceExchange.h"
 #include "Audio/Viz/CAudioInterfaceVizProcessor.h"
 #include "Core/CInputStream.h"
+#include "Core/CLoopEventBridge.h"
+#include "Core/CStdEventBridge.h"
+#include "Platform/CMessageLoop.h"
 #include "Platform/CSystemThread.h"
 #include "Tests/Audio/AudioParamWorld.h"
 #include "Tests/Audio/Interface/CInterfaceWorld.h"
@@ -144,6 +147,8 @@ TEST(TestCAudioInterface, AClientThatDoesNotPullCostsWhatItFollowsAndCatchesUp)
     for (int i = 0; i < 20000; ++i)
         world.param("list").setElement(i % 3, i % 5, i % 10);
     EXPECT_LT(exchange.waitingBytes(id), 16384u);
+    tree.pull();
+    EXPECT_EQ(list.text(), world.text("list"));
 
     // Answers stand for themselves: too many of them empty the queue.
     const std::string big(60000, 'x');
@@ -154,7 +159,9 @@ TEST(TestCAudioInterface, AClientThatDoesNotPullCostsWhatItFollowsAndCatchesUp)
         isOverrun = exchange.waitingBytes(id) < before;
         ASSERT_LE(exchange.waitingBytes(id), CParamInterfaceQueue::kMaxBytes);
     }
-    world.param("list").setElement(0, 0, 9.0);
+    // A group that goes meanwhile goes at the client as well.
+    EXPECT_EQ(errorText(world.master.activatePreset(numberPreset("main:x", {{"list", 5.0}}), nullptr, -1)), "");
+    EXPECT_EQ(world.text("list"), "5.000000,;");
     static_cast<void>(master.take());
     tree.pull();
     EXPECT_EQ(list.text(), world.text("list"));
@@ -163,6 +170,33 @@ TEST(TestCAudioInterface, AClientThatDoesNotPullCostsWhatItFollowsAndCatchesUp)
     EXPECT_EQ(exchange.waitingBytes(id), 0u);
     tree.release();
     EXPECT_FALSE(exchange.hasClient(id));
+}
+
+TEST(TestCAudioInterface, AConnectorFetchesOnATimerOfItsRate)
+{
+    CInterfaceWorld world;
+    double now = 0.0;
+    platform::CMessageLoop loop([&now] { return now; });
+    CClientTree tree(world);
+    CStdEventBridge* handler = nullptr;
+    ASSERT_FALSE(tree.root().createChild(handler, "ui:ui-event-bridge", "bridge", ERequireTemplate::no));
+    CLoopEventBridge bridge(loop, *handler);
+    tree.root().setEventBridge(&bridge);
+    const auto runTo = [&](double time) {
+        now = time;
+        loop.pump();
+        loop.pump(); // what the timer has posted
+        return tree.client->getInputChannelCount();
+    };
+    EXPECT_EQ(errorText(tree.connector->setAttr("fps", "20", ESetter::now)), "");
+    EXPECT_EQ(runTo(0.04), 2);
+    EXPECT_EQ(runTo(0.05), 5);
+    EXPECT_EQ(errorText(tree.connector->setAttr("fps", "10", ESetter::now)), "");
+    world.provider.inputs = 3;
+    world.base.tellSetup();
+    EXPECT_EQ(runTo(0.14), 5);
+    EXPECT_EQ(runTo(0.16), 3);
+    tree.release();
 }
 
 TEST(TestCAudioInterface, TwoClientsAndTheEngineWorkAtOnceAndAgreeAtTheEnd)
