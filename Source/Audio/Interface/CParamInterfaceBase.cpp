@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/Interface/CParamInterfaceBase.h"
 
+#include "Audio/CAudioParamCells.h"
 #include "Audio/CAudioParamCollector.h"
 #include "Audio/CAudioParamUpdateHolder.h"
 #include "Audio/Interface/CParamInterfaceBaseConnector.h"
@@ -25,6 +26,17 @@ bool isPlace(std::int32_t group, std::int32_t element)
 {
     return group >= -1 && (group < kAudioParamMaxGroups || group == kAudioParamTemplateGroup) && element >= -1 &&
            element < kAudioParamMaxElements;
+}
+
+/// Bytes of the items that the cells refer to, as often as they do.
+std::size_t itemBytes(const CAudioParamData* data, std::span<const double> cells)
+{
+    std::size_t bytes = 0;
+    for (std::size_t i = 0; data != nullptr && i < cells.size(); ++i) {
+        const std::int32_t key = audioParamKey(cells[i]);
+        bytes += data->text(key).length() * sizeof(char16_t) + data->raw(key).size();
+    }
+    return bytes;
 }
 
 } // namespace
@@ -200,11 +212,30 @@ CErrorPtr CParamInterfaceBase::onChangeParam()
     const CAudioParamInfo* const info = param.info();
     if (info == nullptr || info->format != update.format)
         return {};
+    if (update.format.hasItems())
+        QRB_TRY(checkItemBytes(param, update));
     beginPlaces(param, update, undoId);
     const CAudioParamGuard guard(paramCollector());
     const CAudioParamRoute route{.undo = undoOf(undoId)};
     paramCollector().tellHandChange(param, update.storageGroup(), route);
     param.update(update, guard, route);
+    return {};
+}
+
+CErrorPtr CParamInterfaceBase::checkItemBytes(const CAudioParam& param, const CAudioParamUpdate& update) const
+{
+    // One item of a message may stand for thousands of elements, and so may a default that fills a gap.
+    const CAudioParamGuard guard(paramCollector());
+    const CAudioParamStorage& values = param.editStorage(guard);
+    std::size_t bytes = itemBytes(update.data, update.cells());
+    for (std::int32_t group = 0; group < values.groupCount(); ++group)
+        bytes += itemBytes(&values.data(), values.cells(group));
+    const std::size_t present = values.cells(update.storageGroup()).size();
+    for (auto gap = static_cast<std::int32_t>(present); gap < update.firstElement; ++gap)
+        bytes += itemBytes(&values.data(), values.defaultElement(gap));
+    if (bytes > kMaxItemBytes)
+        return QRB_ERROR("@qrbstr_CParamInterfaceBase_checkItemBytes_Size The texts of '%1' become too long.",
+                         param.path());
     return {};
 }
 

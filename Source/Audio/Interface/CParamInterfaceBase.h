@@ -34,7 +34,11 @@ public:
     static constexpr std::size_t kMaxGesturePlaces = 4096;
     /// Most parameters that exist only because a client has named them.
     static constexpr std::size_t kMaxNamedParams = 4096;
+    /// Most requests of clients to follow a registry that may stand at a time.
+    static constexpr std::size_t kMaxRegistryListeners = 1024;
     static constexpr std::size_t kMaxLabelLength = 1024;
+    /// Most bytes that the texts or byte blocks of a parameter may come to by a client's change.
+    static constexpr std::size_t kMaxItemBytes = std::size_t{1} << 20;
 
     static void declare(CObjectClassInfo& info);
 
@@ -109,6 +113,7 @@ protected:
 private:
     void sendHistory(std::uint32_t clientId);
     [[nodiscard]] CAudioParamUndoEntry* undoOf(std::int32_t undoId);
+    CErrorPtr checkItemBytes(const CAudioParam& param, const CAudioParamUpdate& update) const;
     void beginPlaces(CAudioParam& param, const CAudioParamUpdate& update, std::int32_t undoId);
     void closeUndo(std::int32_t undoId, const CString& label, bool isSubmitted);
     CErrorPtr findRegistry(std::int32_t listenerId, CAudioParamRegistry*& out);

@@ -31,6 +31,8 @@ CErrorPtr CParamInterfaceBase::onListenRegistry()
     QRB_TRY(checkClient(CParamInterfaceIds::clientOf(id)));
     if (m_registryListeners.contains(id))
         return {};
+    if (m_registryListeners.size() >= kMaxRegistryListeners)
+        return QRB_ERROR("@qrbstr_CParamInterfaceBase_onListenRegistry_Count Too many registries are followed.");
     path = path.substr(0, kMaxFullNameLength);
     auto listener = std::make_unique<CRegistryListener>(id, path, paramCollector().findRegistry(path), *connector());
     listener->sendState();

@@ -281,6 +281,26 @@ TEST_F(TestCParamInterfaceBase, MessagesThatClaimWhatIsNotTheirsAreRefused)
     }
 }
 
+TEST_F(TestCParamInterfaceBase, AFewBytesOfTextDoNotBecomeMany)
+{
+    const std::string text(60000, 'x');
+    const auto change = [&](int group, int first, int count) {
+        Bytes message = Bytes() << "change-param" << one.tree.id(1) << 0 << group << first << count << 0 << 1 << 1 << 1
+                                << 0;
+        for (int i = 0; i < count; ++i)
+            message << 1;
+        return one.tree.send((message << 1 << 1 << 1 << text.c_str()).data);
+    };
+    EXPECT_NE(change(0, 0, kAudioParamMaxElements), "") << "one item for all elements";
+    EXPECT_EQ(change(kAudioParamTemplateGroup, 0, 1), "");
+    EXPECT_NE(change(1, kAudioParamMaxElements - 1, 1), "") << "defaults in front of one element";
+    EXPECT_EQ(change(0, 0, 2), "");
+    int group = 1;
+    while (group < kAudioParamMaxGroups && change(group, 0, 1).empty())
+        ++group;
+    EXPECT_LT(group, 10);
+}
+
 TEST_F(TestCParamInterfaceBase, MutilatedMessagesNeitherCrashNorReachOtherParameters)
 {
     CRegistryMirror mirror;
