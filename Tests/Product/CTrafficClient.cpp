@@ -69,6 +69,8 @@ CTrafficClient::~CTrafficClient()
 
 void CTrafficClient::listen(CParam& param)
 {
+    param.info = qrb::CAudioParamInfo();
+    param.values = qrb::CAudioParamStorage(); // what has changed since the last time is not told
     param.id = m_client->listenParam(param.path, param);
     ASSERT_NE(param.id, 0);
 }
