@@ -53,7 +53,7 @@ constexpr CBiquadSeriesKernels kKernels = {find};
 
 } // namespace pairs
 
-constexpr std::size_t kMaxLines = 4;
+constexpr std::size_t kMaxLines = CBiquadSeriesKernels::kMaxLines;
 constexpr std::size_t kMaxSections = CBiquadSeriesKernels::kMaxSections;
 
 /// Runs one section by itself, over a few samples in place.

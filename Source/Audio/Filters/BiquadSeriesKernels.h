@@ -13,6 +13,8 @@ struct CBiquadSeriesKernels {
     /// Most sections in one loop: more would only move their states between registers and memory.
     static constexpr std::size_t kMaxSections = 6;
 
+    static constexpr std::size_t kMaxLines = 8;
+
     /// `states` and `last`: the lines of the first section, then those of the second, and so on. `last` holds what each
     /// section gave last, which the next one gets in the first turn. `in`: what the first section gets; `out`: what the
     /// last one gives.

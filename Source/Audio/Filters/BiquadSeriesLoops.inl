@@ -31,6 +31,7 @@ template <EFilterKind Shape>
 template <EFilterKind Shape, std::size_t Sections, std::size_t Lines>
 struct CSeries {
     static constexpr std::size_t kWordSections = kLanes / Lines;
+    static constexpr std::size_t kUsed = kWordSections * Lines; ///< doubles of a word
     static constexpr std::size_t kWords = (Sections + kWordSections - 1) / kWordSections;
 
     Lanes b0[kWords], b1[kWords], b2[kWords], a1[kWords], a2[kWords];
@@ -43,8 +44,8 @@ struct CSeries {
     {
         double numbers[kLanes];
         for (std::size_t lane = 0; lane < kLanes; ++lane) {
-            const std::size_t place = at * kLanes + lane;
-            numbers[lane] = place < Sections * Lines ? get(place) : 0.0;
+            const std::size_t place = at * kUsed + lane;
+            numbers[lane] = lane < kUsed && place < Sections * Lines ? get(place) : 0.0;
         }
         return loadLanes(numbers);
     }
@@ -69,8 +70,8 @@ struct CSeries {
         storeLanes(w1[At], numbers[0]);
         storeLanes(w2[At], numbers[1]);
         storeLanes(y[At], numbers[2]);
-        for (std::size_t lane = 0; lane < kLanes && At * kLanes + lane < Sections * Lines; ++lane) {
-            const std::size_t place = At * kLanes + lane;
+        for (std::size_t lane = 0; lane < kUsed && At * kUsed + lane < Sections * Lines; ++lane) {
+            const std::size_t place = At * kUsed + lane;
             states[place]->w1 = numbers[0][lane];
             states[place]->w2 = numbers[1][lane];
             last[place] = numbers[2][lane];

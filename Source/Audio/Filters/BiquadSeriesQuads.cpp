@@ -69,24 +69,82 @@ struct LineLoops<4> {
 
 #include "Audio/Filters/BiquadSeriesLoops.inl"
 
-CRun* find(EFilterKind shape, std::size_t sectionCount, std::size_t lineCount)
+} // namespace quads
+
+/// Two words at once, so that the processor has something to do while one of them waits for its last sample.
+namespace octets {
+
+constexpr std::size_t kLanes = 8;
+
+struct Lanes {
+    __m256d low, high;
+
+    [[gnu::always_inline]] friend inline Lanes operator+(Lanes a, Lanes b) { return {a.low + b.low, a.high + b.high}; }
+    [[gnu::always_inline]] friend inline Lanes operator-(Lanes a, Lanes b) { return {a.low - b.low, a.high - b.high}; }
+    [[gnu::always_inline]] friend inline Lanes operator*(Lanes a, Lanes b) { return {a.low * b.low, a.high * b.high}; }
+};
+
+[[gnu::always_inline]] inline Lanes loadLanes(const double* at)
 {
-    if (lineCount == 4)
-        return findRun<4>(shape, sectionCount);
-    return lineCount == 2 && sectionCount > 1 ? findRun<2>(shape, sectionCount) : nullptr;
+    return {quads::loadLanes(at), quads::loadLanes(at + 4)};
+}
+[[gnu::always_inline]] inline void storeLanes(Lanes word, double* at)
+{
+    quads::storeLanes(word.low, at);
+    quads::storeLanes(word.high, at + 4);
+}
+
+/// One section a word.
+template <std::size_t Lines>
+struct LineLoops {
+    [[gnu::always_inline]] static inline Lanes enter(const double* const* in, std::size_t n, Lanes)
+    {
+        const __m256d low = {in[0][n], in[1][n], in[2][n], in[3][n]};
+        if constexpr (Lines == 6)
+            return {low, __m256d{in[4][n], in[5][n], 0.0, 0.0}};
+        else
+            return {low, __m256d{in[4][n], in[5][n], in[6][n], in[7][n]}};
+    }
+    [[gnu::always_inline]] static inline Lanes follow(Lanes before, Lanes) { return before; }
+    [[gnu::always_inline]] static inline void leave(Lanes word, std::size_t, double* const* out, std::size_t n)
+    {
+        quads::LineLoops<4>::leave(word.low, 0, out, n);
+        if constexpr (Lines == 6)
+            quads::LineLoops<2>::leave(word.high, 0, out + 4, n);
+        else
+            quads::LineLoops<4>::leave(word.high, 0, out + 4, n);
+    }
+};
+
+#include "Audio/Filters/BiquadSeriesLoops.inl"
+
+} // namespace octets
+
+#pragma GCC pop_options
+
+CBiquadSeriesKernels::Run* find(EFilterKind shape, std::size_t sectionCount, std::size_t lineCount)
+{
+    switch (lineCount) {
+    case 8:
+        return octets::findRun<8>(shape, sectionCount);
+    case 6:
+        return octets::findRun<6>(shape, sectionCount);
+    case 4:
+        return quads::findRun<4>(shape, sectionCount);
+    case 2:
+        return sectionCount > 1 ? quads::findRun<2>(shape, sectionCount) : nullptr;
+    default:
+        return nullptr;
+    }
 }
 
 constexpr CBiquadSeriesKernels kKernels = {find};
-
-} // namespace quads
-
-#pragma GCC pop_options
 
 } // namespace
 
 const CBiquadSeriesKernels& quadBiquadSeriesKernels()
 {
-    return quads::kKernels;
+    return kKernels;
 }
 
 } // namespace qrb

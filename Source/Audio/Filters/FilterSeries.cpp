@@ -12,7 +12,7 @@ namespace {
 /// Most stages in one loop.
 constexpr std::size_t kMaxStages = CBiquadSeriesKernels::kMaxSections;
 constexpr std::size_t kMaxLines = 2;
-constexpr std::size_t kMaxSeriesLines = 4;
+constexpr std::size_t kMaxSeriesLines = CBiquadSeriesKernels::kMaxLines;
 
 using CLanesRun = void(void* const*, const double* const*, double* const*, std::size_t);
 
@@ -51,13 +51,13 @@ CLanesRun* lanesRun(EFilterKind kind, std::size_t stageCount)
     }
 }
 
-/// Runs the stages over four lines, or two, where there is a loop for that; the number of lines done.
+/// Runs the stages over as many lines as there is a loop for; the number of lines done.
 std::size_t runWide(EFilterKind kind, void* const* states, std::size_t stages, std::size_t lineCount, std::size_t line,
                     const double* const* in, double* const* out, std::size_t length)
 {
     if (!isBiquad(kind))
         return 0;
-    for (std::size_t lines = kMaxSeriesLines; lines >= 2; lines /= 2) {
+    for (std::size_t lines = kMaxSeriesLines; lines >= 2; lines -= 2) {
         if (lineCount - line < lines)
             continue;
         CBiquadState* picked[kMaxStages * kMaxSeriesLines];

@@ -319,12 +319,12 @@ TEST_F(FilterStages, BiquadsThatRunSkewedGiveTheBitsOfStagesAlone)
 {
     for (const CBiquadSeriesKernels* kernels :
          {&pairBiquadSeriesKernels(), hasVectorWidth(EVectorWidth::quads) ? &quadBiquadSeriesKernels() : nullptr}) {
-        for (std::size_t trial = 0; kernels != nullptr && trial < 60; ++trial) {
+        for (std::size_t trial = 0; kernels != nullptr && trial < 120; ++trial) {
             const char* name = std::array{"rbj0", "rbj1", "rbj2", "rbj4", "rbj6"}[trial % 5];
             const std::size_t stages = 1 + trial / 5 % 6;
-            const std::size_t lines = trial < 30 ? 2 : 4;
-            CSignal samples[4];
-            CSignal alone[4];
+            const std::size_t lines = 2 + trial / 30 * 2;
+            CSignal samples[8];
+            CSignal alone[8];
             std::vector<CBiquadState> memory(stages * lines);
             std::vector<CBiquadState*> states;
             for (std::size_t i = 0; i < lines; ++i)
@@ -340,15 +340,15 @@ TEST_F(FilterStages, BiquadsThatRunSkewedGiveTheBitsOfStagesAlone)
             std::size_t done = 0;
             for (std::size_t cut = 4 * stages; done < kLength; cut += 7) {
                 const std::size_t length = kLength - done < 2 * cut ? kLength - done : cut;
-                const double* in[4];
-                double* out[4];
+                const double* in[8];
+                double* out[8];
                 for (std::size_t i = 0; i < lines; ++i)
                     in[i] = out[i] = samples[i].data() + done;
                 if (!runBiquadSeries(*kernels, id, states.data(), stages, lines, in, out, length))
                     break;
                 done += length;
             }
-            EXPECT_TRUE(done == kLength || stages == 1 || lines == 4) << name << " " << stages << " " << lines;
+            EXPECT_TRUE(done == kLength || stages == 1 || lines > 2) << name << " " << stages << " " << lines;
             for (std::size_t i = 0; i < lines && done == kLength; ++i)
                 EXPECT_EQ(samples[i], alone[i]) << name << " " << stages << " " << lines;
         }
