@@ -268,6 +268,7 @@ void CTrafficClient::expectSame()
     EXPECT_EQ(m_client->getSampleRate(), m_instance.getSampleRate());
     EXPECT_EQ(m_client->getInputChannelCount(), m_instance.getInputChannelCount());
     EXPECT_EQ(m_client->getOutputChannelCount(), m_instance.getOutputChannelCount());
+    EXPECT_EQ(m_client->getSidechainChannelCount(), m_instance.getSidechainChannelCount());
 }
 
 qrb::CErrorPtr CTrafficClient::onVizData(qrb::CInputStream& in)
@@ -275,6 +276,12 @@ qrb::CErrorPtr CTrafficClient::onVizData(qrb::CInputStream& in)
     double time = -1.0;
     expectDone(in.readDouble(time));
     EXPECT_GE(time, 0.0);
+    return {};
+}
+
+qrb::CErrorPtr CTrafficClient::note(const char* what)
+{
+    m_notes += what;
     return {};
 }
 

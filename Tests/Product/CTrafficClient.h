@@ -12,6 +12,8 @@
 
 #include <deque>
 #include <random>
+#include <string>
+#include <utility>
 #include <vector>
 
 /// An editor of an instance, in a tree of its own, that follows every parameter and every registry and asks at random
@@ -31,9 +33,12 @@ public:
     /// Changes of parameters that have come.
     [[nodiscard]] std::size_t changeCount() const;
 
-    qrb::CErrorPtr onStartViz() override { return {}; }
-    qrb::CErrorPtr onStopViz() override { return {}; }
-    qrb::CErrorPtr onClearClient() override { return {}; }
+    /// What visualisation has been told since the last call.
+    [[nodiscard]] std::string takeNotes() { return std::exchange(m_notes, {}); }
+
+    qrb::CErrorPtr onStartViz() override { return note("start;"); }
+    qrb::CErrorPtr onStopViz() override { return note("stop;"); }
+    qrb::CErrorPtr onClearClient() override { return note("clear;"); }
     qrb::CErrorPtr onVizData(qrb::CInputStream& in) override;
     qrb::CErrorPtr onExportSlotNames(qrb::CInputStream&) override { return {}; }
 
@@ -64,6 +69,7 @@ private:
     };
 
     [[nodiscard]] int pick(int end) { return static_cast<int>(m_random() % static_cast<unsigned>(end)); }
+    qrb::CErrorPtr note(const char* what);
     void listen(CParam& param);
     void change(CParam& param);
     void usePresets(CRegistry& registry);
@@ -79,4 +85,5 @@ private:
     std::deque<CRegistry> m_registries;
     std::vector<std::int32_t> m_gestures;
     std::vector<std::int32_t> m_views;
+    std::string m_notes;
 };

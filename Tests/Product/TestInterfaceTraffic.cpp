@@ -220,4 +220,25 @@ TEST(TestInterfaceTraffic, TwoEditorsTheHostAndAudioAtOnceAgreeAtTheEnd)
     isQuiet = true;
 }
 
+TEST(TestInterfaceTraffic, AnEditorHearsOfStartsStopsAndTheSetup)
+{
+    CProductRig rig({});
+    rig.start();
+    CTrafficClient client(rig.instance(), 1);
+    client.expectSame();
+    EXPECT_EQ(client.takeNotes(), "");
+    rig.instance().stop();
+    client.expectSame();
+    EXPECT_EQ(client.takeNotes(), "clear;start;") << "always active: what stops begins anew";
+    rig.instance().start();
+    client.expectSame();
+    EXPECT_EQ(client.takeNotes(), "");
+    rig.instance().runIdle();
+    rig.instance().setInputs({4, true, false}, {1, true, false});
+    rig.instance().setSampleRate(96000.0);
+    EXPECT_TRUE(rig.instance().paramCollector().hasDeferred()) << "nobody would tell";
+    rig.instance().runIdle();
+    client.expectSame();
+}
+
 } // namespace
