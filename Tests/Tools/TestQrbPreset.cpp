@@ -2,15 +2,18 @@
 #include "Audio/CAudioParam.h"
 #include "Core/CMemoryReaderStatic.h"
 #include "Core/CWriteSeqBuffer.h"
+#include "Tests/Support/CTempFolders.h"
 #include "Tools/Product/CDocumentModule.h"
 #include "Tools/Product/CPayloadReader.h"
 #include "Tools/QrbPreset/CProductParams.h"
 #include "Tools/QrbPreset/PresetText.h"
+#include "Tools/QrbPreset/PresetTool.h"
 
 #include <gtest/gtest.h>
 
 #include <bit>
 #include <cmath>
+#include <cstring>
 #include <productResources.h>
 #include <random>
 
@@ -337,6 +340,50 @@ TEST_F(QrbPreset, DamagedFilesAreRefused)
         EXPECT_NE(error.find(wanted), std::string::npos) << error;
     }
     EXPECT_FALSE(product::readPresetFile("dstr" + bytes.substr(4), out, error));
+}
+
+TEST(QrbPresetTool, FilesAreWrittenWholeOrNotAtAll)
+{
+    const qrb::CTempFolders folder;
+    const auto path = [&](const char* name) { return (folder.root() / name).string(); };
+    const auto write = [&](const char* name, const std::string& text) {
+        qrb::CTempFolders::write(folder.root() / name, {text.begin(), text.end()});
+    };
+    const auto run = [](const std::vector<std::string>& words, std::span<const qrb::CResourceRow> linked) {
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        const int status = runTool(words, linked);
+        return std::to_string(status) + testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr();
+    };
+    const std::span<const qrb::CResourceRow> linked = qrb::productResources();
+    write("good.xml", "<list registry='k7rwb'><preset name='A'><param path='attack'>2</param></preset></list>");
+    write("bad.xml", "<list>");
+    EXPECT_EQ(run({"build", path("good.xml"), path("out")}, linked), "0");
+    const std::vector<std::uint8_t> built = qrb::CTempFolders::read(path("out"));
+    EXPECT_EQ(run({"check", path("good.xml")}, linked), "0");
+    EXPECT_EQ(run({"build", path("bad.xml"), path("out")}, linked).substr(0, 1), "2");
+    EXPECT_EQ(run({"print", path("bad.xml"), path("out")}, linked).substr(0, 1), "2");
+    EXPECT_EQ(qrb::CTempFolders::read(path("out")), built);
+    EXPECT_NE(run({"print", path("out")}, linked).find("<param path=\"attack\">2.00 ms</param>"), std::string::npos);
+    EXPECT_NE(run({"params", "k7rwb"}, linked).find("attack  n x n  default 100 ms  (1.00 ms to 500 ms)"),
+              std::string::npos);
+    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+             {}, {"build", path("good.xml")}, {"--document"}, {"params", "x"}, {"print", path("absent")}, {"-q"}})
+        EXPECT_EQ(run(words, linked).substr(0, 1), "2");
+
+    // While the product's data files are made there is only its document.
+    EXPECT_EQ(run({"check", path("good.xml")}, {}).substr(0, 1), "2");
+    for (const qrb::CResourceRow& row : linked)
+        if (std::string_view(row.name) == product::CDocumentModule::kDocument) {
+            std::uint32_t size = 0;
+            std::memcpy(&size, row.data, sizeof size);
+            qrb::CTempFolders::write(path("document"), {row.data + sizeof size, row.data + sizeof size + size});
+        }
+    EXPECT_EQ(run({"build", "--document", path("document"), "--block", "AppDataLocal_xotube-presets", path("good.xml"),
+                   path("again")},
+                  {}),
+              "0");
+    EXPECT_EQ(qrb::CTempFolders::read(path("again")), built);
 }
 
 } // namespace

@@ -67,9 +67,11 @@ private:
     /// The registry id that an element gives to what is in it.
     using CScope = std::optional<std::string>;
 
+    [[nodiscard]] bool isGivenUp() const { return m_built.errors.size() >= kMaxErrors; }
+
     void error(pugi::xml_node node, const std::string& message)
     {
-        if (m_built.errors.size() < kMaxErrors)
+        if (!isGivenUp())
             m_built.errors.push_back(m_source.diagnose(m_source.place(node).offset, message));
     }
 
@@ -185,6 +187,8 @@ private:
     void readItems(pugi::xml_node node, const std::string& prefix, product::CPreset& preset, int depth)
     {
         for (const pugi::xml_node child : node.children()) {
+            if (isGivenUp())
+                return;
             if (!isElement(child))
                 continue;
             const std::string_view kind = child.name();

@@ -42,6 +42,7 @@ std::int32_t findName(const std::vector<qrb::CString>& names, const std::string&
 std::vector<qrb::CString> namesOf(const std::vector<qrb::CAudioPreset>& presets)
 {
     std::vector<qrb::CString> names;
+    names.reserve(presets.size());
     for (const qrb::CAudioPreset& preset : presets)
         names.push_back(preset.name);
     return names;
