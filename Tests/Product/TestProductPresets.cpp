@@ -96,6 +96,44 @@ TEST(TestProductPresets, AStoredBankHasTheInstancesOwnValuesInEveryProgram)
     }
 }
 
+TEST(TestProductPresets, DamagedStatesAreTakenWholeOrNotAtAll)
+{
+    std::mt19937 random(14);
+    CPresetRig rig;
+    const std::vector<std::string> everything = allPaths(rig);
+    rig.randomize(random);
+    CWriteSeqBuffer out;
+    EXPECT_FALSE(rig.master().acquirePreset(false, -1, -1, out));
+    CByteArray good;
+    out.getContiguous(good);
+    int refused = 0;
+    CPlainState before = rig.state(everything);
+    for (int round = 0; round < 400; ++round) {
+        CByteArray bytes = good;
+        // Mostly single bytes, sometimes a number that is none, or a length that is too large.
+        for (int count = 1 + static_cast<int>(random() % 4); count > 0; --count) {
+            const std::size_t place = random() % (bytes.size() - 8);
+            const std::size_t length = random() % 3 == 0 ? 8 : 1;
+            const auto value = static_cast<std::uint8_t>(length == 1 ? random() : 0xFF);
+            std::fill_n(bytes.begin() + place, length, value);
+        }
+        CMemoryReaderStatic in(bytes.span());
+        const bool isRefused = static_cast<bool>(rig.master().activatePreset(in, round % 2 == 0 ? &rig : nullptr, -1));
+        const CPlainState after = rig.state(everything);
+        if (isRefused) {
+            ++refused;
+            ASSERT_EQ(after, before) << round;
+        }
+        for (const auto& [path, groups] : after)
+            for (const CPlainGroup& group : groups)
+                for (const CPlainCell& cell : group)
+                    ASSERT_TRUE(std::isfinite(cell.number)) << path << " " << round;
+        before = after;
+    }
+    EXPECT_GT(refused, 40);
+    EXPECT_LT(refused, 360);
+}
+
 /// Plays blocks on a thread of its own until told to stop, and shows each to a visitor there.
 class CPlayer {
 public:

@@ -164,6 +164,9 @@ private:
     CMap<CString, CAudioParam*> m_params; ///< by the path below the hierarchy
     const CAudioParamPathEntry* m_newestSeen = nullptr;
     bool m_isSelecting = false;
+    CArray<std::unique_ptr<CAudioParamUndoHistory>> m_histories; ///< of the programs; the current one's is in use
+    std::unique_ptr<CAudioParamUndoHistory> m_shadowHistory;
+    bool m_isDefaultLoaded = false;
 
     std::unique_ptr<CAudioPresetBank> m_choices; ///< null without a list; not changed once read
 
@@ -171,11 +174,8 @@ private:
     mutable platform::CRecursiveLock m_bankLock{4000};
     CAudioPresetBank m_factory;
     CAudioPresetBank m_session;
-    CArray<std::unique_ptr<CAudioParamUndoHistory>> m_histories; ///< of the programs; the current one's is in use
     std::int32_t m_current = 0;
     std::unique_ptr<CAudioPreset> m_shadow;
-    std::unique_ptr<CAudioParamUndoHistory> m_shadowHistory;
-    bool m_isDefaultLoaded = false;
 };
 
 } // namespace qrb

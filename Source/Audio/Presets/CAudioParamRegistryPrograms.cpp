@@ -64,11 +64,11 @@ void CAudioParamRegistry::forgetHistories()
 {
     if (m_undo != nullptr)
         m_undo->clearHistory();
-    const CScopedLock lock(m_bankLock);
     for (auto& history : m_histories)
         history.reset();
-    m_shadow.reset();
     m_shadowHistory.reset();
+    const CScopedLock lock(m_bankLock);
+    m_shadow.reset();
 }
 
 CErrorPtr CAudioParamRegistry::activateFactoryPreset(std::int32_t index)
