@@ -1,7 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/Processes/CModMute.h"
 
+#include <algorithm>
+
 namespace qrb {
+
+namespace {
+
+/// No stack has more instances, and nothing has more bands; a count that comes from an editor may be anything.
+constexpr int kMaxSolos = 32;
+
+} // namespace
 
 void CModMuteModule::regParams()
 {
@@ -17,7 +26,7 @@ void CModMuteModule::update()
 
 bool CModMuteModule::isOutsideSolo() const
 {
-    const int count = valueInt(m_soloCountSlot);
+    const int count = std::min(valueInt(m_soloCountSlot), kMaxSolos);
     bool isAnySoloed = false;
     for (int i = 0; i < count; ++i) {
         if (m_soloSlot.value(group(), i) < 0.5)

@@ -115,6 +115,10 @@ TEST(CModMute, ObeysMuteAndSoloOfItsElement)
         const double out = rig.runOne();
         EXPECT_TRUE(row.isOpen ? out == 1.0 : isSoftSilence(out)) << row.mute << row.solo0 << row.solo1 << row.count;
     }
+    rig.set("mute", 0.0);
+    rig.set("solo", 1.0, 0, 40);
+    rig.set("count", 1e300);
+    EXPECT_EQ(rig.runOne(), 1.0) << "a count without end is no reason to look without end";
 }
 
 TEST(CModBypass, PicksItsPortAndSilencesGroupsThatAreNotSoloed)
