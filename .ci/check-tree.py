@@ -16,6 +16,7 @@ FLOORS = [  # the first prefix that fits counts
     ("Tools/", 5),
     ("Tests/", 5),
     ("Bench/", 5),
+    ("Fuzz/", 5),
 ]
 STANDARD = set("""algorithm array atomic bit cassert cctype cerrno cfenv cfloat charconv chrono climits cmath compare
     complex concepts condition_variable csignal ctime cstdarg cstddef cstdint cstdio cstdlib cstring deque filesystem fstream functional
