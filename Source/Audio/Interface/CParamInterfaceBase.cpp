@@ -213,7 +213,8 @@ CErrorPtr CParamInterfaceBase::onChangeParam()
     if (info == nullptr || info->format != update.format)
         return {};
     if (update.format.hasItems())
-        QRB_TRY(checkItemBytes(param, update));
+        QRB_TRY(
+            checkItemBytes(param, update.storageGroup(), update.firstElement, itemBytes(update.data, update.cells())));
     beginPlaces(param, update, undoId);
     const CAudioParamGuard guard(paramCollector());
     const CAudioParamRoute route{.undo = undoOf(undoId)};
@@ -222,16 +223,15 @@ CErrorPtr CParamInterfaceBase::onChangeParam()
     return {};
 }
 
-CErrorPtr CParamInterfaceBase::checkItemBytes(const CAudioParam& param, const CAudioParamUpdate& update) const
+CErrorPtr CParamInterfaceBase::checkItemBytes(const CAudioParam& param, std::int32_t group, std::int32_t element,
+                                              std::size_t bytes) const
 {
     // One item of a message may stand for thousands of elements, and so may a default that fills a gap.
     const CAudioParamGuard guard(paramCollector());
     const CAudioParamStorage& values = param.editStorage(guard);
-    std::size_t bytes = itemBytes(update.data, update.cells());
-    for (std::int32_t group = 0; group < values.groupCount(); ++group)
-        bytes += itemBytes(&values.data(), values.cells(group));
-    const std::size_t present = values.cells(update.storageGroup()).size();
-    for (auto gap = static_cast<std::int32_t>(present); gap < update.firstElement; ++gap)
+    for (std::int32_t each = 0; each < values.groupCount(); ++each)
+        bytes += itemBytes(&values.data(), values.cells(each));
+    for (auto gap = static_cast<std::int32_t>(values.cells(group).size()); gap < element; ++gap)
         bytes += itemBytes(&values.data(), values.defaultElement(gap));
     if (bytes > kMaxItemBytes)
         return QRB_ERROR("@qrbstr_CParamInterfaceBase_checkItemBytes_Size The texts of '%1' become too long.",
@@ -253,10 +253,14 @@ CErrorPtr CParamInterfaceBase::onResetParam()
     const auto listener = m_paramListeners.find(id);
     if (listener == m_paramListeners.end())
         return {};
+    CAudioParam& param = listener->second->param();
+    const CAudioParamInfo* const info = param.info();
+    if (info != nullptr && info->format.hasItems() && group >= 0 && element > 0)
+        QRB_TRY(checkItemBytes(param, group == kAudioParamTemplateGroup ? 0 : group, element, 0));
     using EFrom = CAudioParam::EResetFrom;
     const CAudioParamGuard guard(paramCollector());
-    listener->second->param().resetValues(group, element, isFromTemplate ? EFrom::firstElement : EFrom::samePlace,
-                                          {.undo = undoOf(undoId)});
+    param.resetValues(group, element, isFromTemplate ? EFrom::firstElement : EFrom::samePlace,
+                      {.undo = undoOf(undoId)});
     return {};
 }
 

@@ -113,7 +113,9 @@ protected:
 private:
     void sendHistory(std::uint32_t clientId);
     [[nodiscard]] CAudioParamUndoEntry* undoOf(std::int32_t undoId);
-    CErrorPtr checkItemBytes(const CAudioParam& param, const CAudioParamUpdate& update) const;
+    /// Whether texts or byte blocks of so many bytes may join at an element of a group.
+    CErrorPtr checkItemBytes(const CAudioParam& param, std::int32_t group, std::int32_t element,
+                             std::size_t bytes) const;
     void beginPlaces(CAudioParam& param, const CAudioParamUpdate& update, std::int32_t undoId);
     void closeUndo(std::int32_t undoId, const CString& label, bool isSubmitted);
     CErrorPtr findRegistry(std::int32_t listenerId, CAudioParamRegistry*& out);

@@ -294,6 +294,7 @@ TEST_F(TestCParamInterfaceBase, AFewBytesOfTextDoNotBecomeMany)
     EXPECT_NE(change(0, 0, kAudioParamMaxElements), "") << "one item for all elements";
     EXPECT_EQ(change(kAudioParamTemplateGroup, 0, 1), "");
     EXPECT_NE(change(1, kAudioParamMaxElements - 1, 1), "") << "defaults in front of one element";
+    EXPECT_NE(one.tree.send((Bytes() << "reset-param" << one.tree.id(1) << 0 << 4095 << 0 << 0).data), "");
     EXPECT_EQ(change(0, 0, 2), "");
     int group = 1;
     while (group < kAudioParamMaxGroups && change(group, 0, 1).empty())
