@@ -29,6 +29,9 @@
 #include "Audio/Filters/CAudioFilterRBJGen.h"
 #include "Audio/Filters/CAudioFilterSerialGen.h"
 #include "Audio/Filters/CAudioFilterSerialGenItem.h"
+#include "Audio/HostParams/CAudioCCTable.h"
+#include "Audio/HostParams/CAudioExtParam.h"
+#include "Audio/HostParams/CAudioExtParamList.h"
 #include "Audio/Interface/CAudioInterfaceBase.h"
 #include "Audio/Interface/CAudioInterfaceClient.h"
 #include "Audio/Interface/CParamInterfaceBaseConnectorUni.h"
@@ -98,6 +101,9 @@ std::span<const CCreatorRow> audioCreators()
         creatorRow<CAudioFilterRBJGen>("audio:fltgen-rbj"),
         creatorRow<CAudioFilterSerialGen>("audio:fltgen-serial"),
         creatorRow<CAudioFilterSerialGenItem>("audio:fltgen-serial-item"),
+        creatorRow<CAudioCCTable>("audio:cctable"),
+        creatorRow<CAudioExtParam>("audio:ext-param"),
+        creatorRow<CAudioExtParamList>("audio:ext-param-list"),
         creatorRow<CAudioInterfaceBase>("audio:interface-base"),
         creatorRow<CAudioInterfaceClient>("audio:interface-client"),
         creatorRow<CModAbsDef>("audio:modAbs"),

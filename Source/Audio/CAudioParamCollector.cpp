@@ -197,6 +197,13 @@ void CAudioParamCollector::defer(CAudioParamDeferredTarget& target, std::int32_t
     m_isDeferredWaiting.store(true);
 }
 
+void CAudioParamCollector::deferLatest(CAudioParamDeferredTarget& target, std::int32_t index, double value,
+                                       const CAudioParamGuard&)
+{
+    m_deferred.addLatest(target, index, value);
+    m_isDeferredWaiting.store(true);
+}
+
 void CAudioParamCollector::deferChange(const CAudioParamDeferredCalls::CChange& change)
 {
     m_deferred.addChange(change);

@@ -100,6 +100,9 @@ public:
 
     /// Puts a call off until no parameter is held. The caller holds a guard.
     void defer(CAudioParamDeferredTarget& target, std::int32_t index, double value, const CAudioParamGuard& guard);
+    /// The same where only the latest value of a target and index counts.
+    void deferLatest(CAudioParamDeferredTarget& target, std::int32_t index, double value,
+                     const CAudioParamGuard& guard);
     /// Takes all waiting calls of a target back. Thread: the owner's.
     void cancelDeferred(const CAudioParamDeferredTarget& target);
     /// Makes the calls that were put off and carries changes from and to application data, with nothing held.

@@ -17,6 +17,17 @@ void CAudioParamDeferredCalls::addCall(CAudioParamDeferredTarget& target, std::i
     m_calls.append({&target, index, value});
 }
 
+void CAudioParamDeferredCalls::addLatest(CAudioParamDeferredTarget& target, std::int32_t index, double value)
+{
+    const auto known = std::find_if(m_calls.begin(), m_calls.end(), [&target, index](const CCall& call) {
+        return call.target == &target && call.index == index;
+    });
+    if (known != m_calls.end())
+        known->value = value;
+    else
+        addCall(target, index, value);
+}
+
 void CAudioParamDeferredCalls::addChange(const CChange& change)
 {
     const auto known = std::find_if(m_changes.begin(), m_changes.end(), [&change](const CChange& other) {

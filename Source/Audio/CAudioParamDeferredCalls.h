@@ -34,6 +34,8 @@ public:
     CAudioParamDeferredCalls();
 
     void addCall(CAudioParamDeferredTarget& target, std::int32_t index, double value);
+    /// The same, in place of a call of that target and index which waits already.
+    void addLatest(CAudioParamDeferredTarget& target, std::int32_t index, double value);
     void addChange(const CChange& change);
     void cancel(const CAudioParamDeferredTarget& target);
     [[nodiscard]] bool empty() const { return m_calls.empty() && m_changes.empty(); }

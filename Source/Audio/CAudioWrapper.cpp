@@ -6,6 +6,9 @@
 #include "Audio/CAudioProcessBase.h"
 #include "Audio/CAudioProcessDefBase.h"
 #include "Audio/CSampleBufferPool.h"
+#include "Audio/HostParams/CAudioCCTable.h"
+#include "Audio/HostParams/CAudioExtParam.h"
+#include "Audio/HostParams/CAudioExtParamList.h"
 #include "Audio/Interface/CAudioInterfaceBase.h"
 #include "Audio/Presets/CAudioParamRegistry.h"
 #include "Audio/Processes/CModOutput.h"
@@ -51,7 +54,7 @@ CAudioWrapper::CAudioWrapper() = default;
 
 CAudioWrapper::~CAudioWrapper()
 {
-    disconnectClients();
+    leaveTree();
     m_plan.clear();
     m_inputSource.disconnectAll();
     m_lastNode.reset();
@@ -61,6 +64,20 @@ CAudioWrapper::~CAudioWrapper()
     // Idle threads do not outlive the instance that used them; another one makes its own again.
     if (CProcessState* const state = processStateOrNull())
         state->workers->clearWorkers();
+}
+
+void CAudioWrapper::leaveTree()
+{
+    if (m_paramRegistry == nullptr) // nothing has been joined yet
+        return;
+    disconnectClients();
+    m_programListener.detach();
+    m_windowSizeListener.detach();
+    m_paramRegistry->setRoutingListener(nullptr);
+    for (CAudioExtParam* const param : extParams())
+        param->setBridge(nullptr, param->index());
+    m_paramCollector->cancelDeferred(m_beginTarget);
+    m_paramCollector->cancelDeferred(m_endTarget);
 }
 
 CErrorPtr CAudioWrapper::init()
@@ -77,12 +94,13 @@ CErrorPtr CAudioWrapper::init()
     attachHostParams();
     QRB_TRY(createNodes());
     m_paramCollector->completeRegistries();
+    attachWindowSize();
+    attachExtParams();
     setChannelCounts(1, 0);
     setOutputs({.channelCount = 1});
     readSettings();
     setOffline(false);
-    if (m_interfaceBase != nullptr)
-        m_interfaceBase->setDataProvider(this);
+    m_interfaceBase->setDataProvider(this);
     const double now = platform::clockSeconds();
     logFormat("CAudioWrapper init time: %.4f s @ %.4f s", now - begin, now - processState().clockBase);
     return nullptr;
@@ -104,9 +122,11 @@ CErrorPtr CAudioWrapper::findObjects()
 {
     QRB_TRY(m_root->findObjectChecked("plugin.audio-env", m_env));
     QRB_TRY(m_root->findObjectChecked("plugin.param-collector", m_paramCollector));
-    m_paramRegistry = dynamic_cast<CAudioParamRegistry*>(m_root->findObject("plugin.param-registry"));
-    m_vizCollector = dynamic_cast<CAudioVizCollector*>(m_root->findObject("plugin.viz-collector"));
-    m_interfaceBase = dynamic_cast<CAudioInterfaceBase*>(m_root->findObject("plugin.interface-base"));
+    QRB_TRY(m_root->findObjectChecked("plugin.viz-collector", m_vizCollector));
+    QRB_TRY(m_root->findObjectChecked("plugin.interface-base", m_interfaceBase));
+    QRB_TRY(m_root->findObjectChecked("plugin.ext-param-list", m_extParams));
+    QRB_TRY(m_root->findObjectChecked("plugin.cctable", m_ccTable));
+    QRB_TRY(m_root->findObjectChecked("plugin.param-registry", m_paramRegistry));
     return nullptr;
 }
 
@@ -117,6 +137,8 @@ void CAudioWrapper::attachHostParams()
     m_hostLatencyChange.attach(m_paramCollector->getParam("plugin.modMain.host-latency-change"));
     if (m_project.useHostBPM)
         m_hostBPMParam.attach(m_paramCollector->getParam("plugin.modMain.host-bpm"));
+    if (m_project.useHostRecording)
+        m_hostRecordingParam.attach(m_paramCollector->getParam("plugin.modMain.host-rec"));
 }
 
 CErrorPtr CAudioWrapper::createNodes()
@@ -147,6 +169,8 @@ void CAudioWrapper::readSettings()
     std::int32_t level = 0;
     if (settings != nullptr && parseInteger(settings->getString("oversampling-level", "1"), level))
         m_oversamplingLevel = level;
+    const CString isForced = settings != nullptr ? settings->getString("force-2ch", "0") : CString("0");
+    m_isTwoChannelForced = isForced == "1" || isForced == "true";
 }
 
 void CAudioWrapper::setSampleRate(double rate)
@@ -219,8 +243,7 @@ void CAudioWrapper::stop()
     primeGraph();
     m_mainNode->reset();
     m_outputNode->reset();
-    if (m_vizCollector != nullptr)
-        m_vizCollector->flush();
+    m_vizCollector->flush();
     setClientsActive(false);
 }
 
@@ -228,6 +251,8 @@ void CAudioWrapper::setOffline(bool isOffline)
 {
     if (isOffline != m_isOffline) {
         m_isOffline = isOffline;
+        if (isOffline) // the user may have chosen another level for it meanwhile
+            readSettings();
         m_hostOffline.set(isOffline ? 1.0 : 0.0);
     }
     updateOversamplingMode();
@@ -256,12 +281,19 @@ void CAudioWrapper::setHostBPM(double bpm)
     m_hostBPMParam.set(bpm);
 }
 
+void CAudioWrapper::setHostRecording(bool isRecording)
+{
+    if (m_project.useHostRecording)
+        m_hostRecordingParam.set(isRecording ? 1.0 : 0.0);
+}
+
 void CAudioWrapper::flushHostParams()
 {
     m_hostOversamplingMode.flush();
     m_hostOffline.flush();
     m_hostLatencyChange.flush();
     m_hostBPMParam.flush();
+    m_hostRecordingParam.flush();
 }
 
 void CAudioWrapper::onLatencyChange()
@@ -295,6 +327,15 @@ void CAudioWrapper::runIdle()
 {
     tellSetup();
     m_paramCollector->runDeferred();
+    if (m_isProgramChangePending.exchange(false))
+        onProgramChange();
+    if (m_isWindowSizeNew.exchange(false)) {
+        const std::int32_t width = m_windowWidth;
+        const std::int32_t height = m_windowHeight;
+        computeWindowSize();
+        if (m_windowWidth != width || m_windowHeight != height)
+            static_cast<void>(resizeWindow(m_windowWidth, m_windowHeight));
+    }
 }
 
 CString CAudioWrapper::fullName() const

@@ -7,8 +7,13 @@
 #include "Audio/CHostBusFormat.h"
 #include "Audio/CHostParam.h"
 #include "Audio/CPluginProject.h"
+#include "Audio/HostParams/CAudioExtParamHostBridge.h"
+#include "Audio/HostParams/CDefaultRouting.h"
+#include "Audio/HostParams/CGestureTarget.h"
 #include "Audio/Interface/CAudioInterfaceDataProvider.h"
 #include "Core/CError.h"
+#include "Core/COwnedUpdateListener.h"
+#include "Core/CQrbStdAllocator.h"
 #include "Core/CString.h"
 
 #include <atomic>
@@ -18,7 +23,10 @@
 
 namespace qrb {
 
+class CAudioCCTable;
 class CAudioEnv;
+class CAudioExtParam;
+class CAudioExtParamList;
 class CAudioInterfaceBase;
 class CAudioParamCollector;
 class CAudioParamRegistry;
@@ -49,10 +57,38 @@ public:
     virtual void onLatencyChange();
     /// Ignored by default. Thread: audio.
     virtual void onMidiEvent(const CExternalEvent& event);
-    /// Applies a value to what the event's index stands for. False if that could not be done without waiting for a
+    /// Applies a value to the host parameter that the event's index stands for. False if that could not be done without waiting for a
     /// lock: the event, and those behind it, are offered again at the next sub-block. Thread: audio, or the one that
     /// calls start or stop.
-    virtual bool onExtParamEvent(const CExternalEvent& event) = 0;
+    virtual bool onExtParamEvent(const CExternalEvent& event);
+
+    // What a binding tells its host; nothing, for one that has no host. Thread: the owner's, with no lock held.
+
+    /// A host parameter has another value, by somebody else than the host.
+    virtual void onExtParamChange(std::int32_t index, double normal);
+    /// Another program is selected, by somebody else than the host, or has another name.
+    virtual void onProgramChange();
+    /// A user takes a host parameter into the hand, and lets go. They come in pairs, changes in between.
+    virtual void beginEdit(std::int32_t index);
+    virtual void endEdit(std::int32_t index);
+    /// The window should have another size, in pixels. False if the host refuses.
+    virtual bool resizeWindow(std::int32_t width, std::int32_t height);
+
+    // Window sizes in pixels. Thread: the owner's.
+
+    [[nodiscard]] std::int32_t windowWidth() const { return m_windowWidth; }
+    [[nodiscard]] std::int32_t windowHeight() const { return m_windowHeight; }
+    /// Reads the user's scale again and computes the size anew.
+    void refreshWindowSize();
+    [[nodiscard]] double uiScale() const { return m_uiScale; }
+    /// False if the product has no smallest size.
+    [[nodiscard]] bool getMinWindowSize(std::int32_t& width, std::int32_t& height) const;
+    /// Does nothing in a product whose window has one size.
+    void setWindowSizeFromHost(std::int32_t width, std::int32_t height);
+
+    /// The host has reported its layout, with a name for each channel that can carry sound: the routing follows as long as
+    /// the user has left it alone. Thread: the owner's.
+    void reportLayout(const CArray<CString>& inputLabels, const CArray<CString>& sidechainLabels);
 
     /// Hertz. While stopped or between blocks.
     void setSampleRate(double rate);
@@ -70,6 +106,8 @@ public:
     void setOffline(bool isOffline);
     /// Thread: as setOffline.
     void setHostBPM(double bpm);
+    /// Thread: as setOffline.
+    void setHostRecording(bool isRecording);
 
     /// Queues an event for the next block. Thread: that of processBlock.
     void addEvent(const CExternalEvent& event) { m_events.add(event); }
@@ -99,11 +137,11 @@ public:
     [[nodiscard]] std::int32_t getOutputChannelCount() override { return m_toldOutputs; }
     [[nodiscard]] std::int32_t getSidechainChannelCount() override { return m_toldSidechain; }
     [[nodiscard]] double getSampleRate() override;
-    /// Nothing, for a binding that has no gestures to tell.
     void onBeginChange(CAudioParam& param, std::int32_t group, std::int32_t element) override;
     void onEndChange(CAudioParam& param, std::int32_t group, std::int32_t element) override;
-    /// Nothing, for a binding that knows no labels.
     void importChannelLabels() override;
+    /// Brings the routing in step with the reported layout. Thread: any.
+    void applyDefaultRouting(const CAudioParamRoute& route) { m_routing.applyDefaultRouting(route); }
 
     [[nodiscard]] const CPluginProject& project() const { return m_project; }
     [[nodiscard]] CObject& root() { return *m_root; }
@@ -111,8 +149,13 @@ public:
     [[nodiscard]] CAudioParamCollector& paramCollector() { return *m_paramCollector; }
     /// How quiet blocks run. Thread: audio.
     [[nodiscard]] CAudioProcessPlan& plan() { return m_plan; }
-    /// The master registry; null for a product without presets.
+    /// The master registry, once init() is done.
     [[nodiscard]] CAudioParamRegistry* paramRegistry() { return m_paramRegistry; }
+    [[nodiscard]] CAudioInterfaceBase& interfaceBase() { return *m_interfaceBase; }
+    /// What the host sees, in the order of its indices.
+    [[nodiscard]] std::span<CAudioExtParam* const> extParams() const;
+    /// What the user demands of all plug-ins; without meaning here.
+    [[nodiscard]] bool isTwoChannelForced() const { return m_isTwoChannelForced; }
     /// Calls of the library's allocator during the last block. Thread: that of processBlock.
     [[nodiscard]] std::uint64_t getBlockAllocations() const { return m_blockAllocations; }
 
@@ -122,10 +165,32 @@ protected:
     void disconnectClients();
 
 private:
+    class CProgramChangeListener : public COwnedUpdateListener<CAudioWrapper> {
+    public:
+        using COwnedUpdateListener::COwnedUpdateListener;
+        void onUpdate(const CUpdateInfo& info) override;
+    };
+    class CHostBridge final : public CAudioExtParamHostBridge {
+    public:
+        explicit CHostBridge(CAudioWrapper& wrapper) : m_wrapper(wrapper) {}
+        void onExtParamChange(std::int32_t index, double normal) override { m_wrapper.onExtParamChange(index, normal); }
+
+    private:
+        CAudioWrapper& m_wrapper;
+    };
+    class CWinSizeParamListener : public COwnedUpdateListener<CAudioWrapper> {
+    public:
+        using COwnedUpdateListener::COwnedUpdateListener;
+        void onUpdate(const CUpdateInfo& info) override;
+    };
+
     CErrorPtr createTree();
     CErrorPtr findObjects();
     void attachHostParams();
     CErrorPtr createNodes();
+    void attachExtParams();
+    void attachWindowSize();
+    void leaveTree();
     void readSettings();
 
     void setChannelCounts(int main, int sidechain);
@@ -133,6 +198,8 @@ private:
     void flushHostParams();
     void noteNewSetup();
     void tellSetup();
+    void deferGesture(CAudioParam& param, std::int32_t group, std::int32_t element, CGestureTarget& target);
+    void computeWindowSize();
     void setClientsActive(bool isActive);
 
     void announceInputs();
@@ -150,9 +217,17 @@ private:
     CObject* m_root = nullptr; // released behind the nodes, which read its parameters
     CAudioEnv* m_env = nullptr;
     CAudioParamCollector* m_paramCollector = nullptr;
+    CAudioVizCollector* m_vizCollector = nullptr;
+    CAudioInterfaceBase* m_interfaceBase = nullptr;
+    CAudioExtParamList* m_extParams = nullptr;
+    CAudioCCTable* m_ccTable = nullptr;
     CAudioParamRegistry* m_paramRegistry = nullptr;
-    CAudioVizCollector* m_vizCollector = nullptr;   ///< null in a product without visualisation
-    CAudioInterfaceBase* m_interfaceBase = nullptr; ///< null in a product without editor
+    /// Of each parameter that the host sees, the indices by element * 256 + group.
+    CMap<const CAudioParam*, CMap<std::int32_t, std::int32_t>> m_extParamIndices;
+    CHostBridge m_hostBridge{*this};
+    CGestureTarget m_beginTarget{*this, &CAudioWrapper::beginEdit};
+    CGestureTarget m_endTarget{*this, &CAudioWrapper::endEdit};
+    CDefaultRouting m_routing;
 
     std::unique_ptr<CSampleBufferPool> m_pool; // outlives all that holds its buffers
     CAudioLineSource m_inputSource;
@@ -176,14 +251,26 @@ private:
     bool m_isOffline = false;
     int m_oversamplingLevel = 1;
     std::optional<int> m_oversamplingMode;
+    bool m_isTwoChannelForced = false;
     double m_hostBPM = -1.0;
     CHostParam m_hostOversamplingMode;
     CHostParam m_hostOffline;
     CHostParam m_hostLatencyChange;
     CHostParam m_hostBPMParam;
+    CHostParam m_hostRecordingParam;
+
+    CAudioParam* m_windowSizeParam = nullptr;
+    double m_uiScale = 1.0;
+    std::int32_t m_windowWidth = 0;
+    std::int32_t m_windowHeight = 0;
+    std::atomic<bool> m_isWindowSizeNew{false};
+    std::atomic<bool> m_isProgramChangePending{false};
 
     std::atomic<bool> m_isLatencyChangePending{false};
     std::uint64_t m_blockAllocations = 0;
+
+    CProgramChangeListener m_programListener{*this};
+    CWinSizeParamListener m_windowSizeListener{*this};
 };
 
 } // namespace qrb

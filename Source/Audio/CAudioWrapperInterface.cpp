@@ -12,12 +12,6 @@ double CAudioWrapper::getSampleRate()
     return m_env->sampleRate();
 }
 
-void CAudioWrapper::onBeginChange(CAudioParam&, std::int32_t, std::int32_t) {}
-
-void CAudioWrapper::onEndChange(CAudioParam&, std::int32_t, std::int32_t) {}
-
-void CAudioWrapper::importChannelLabels() {}
-
 void CAudioWrapper::disconnectClients()
 {
     if (m_interfaceBase == nullptr)
@@ -34,14 +28,12 @@ void CAudioWrapper::noteNewSetup()
 
 void CAudioWrapper::tellSetup()
 {
-    if (m_interfaceBase != nullptr && m_isSetupNew.exchange(false))
+    if (m_isSetupNew.exchange(false))
         m_interfaceBase->tellSetup();
 }
 
 void CAudioWrapper::setClientsActive(bool isActive)
 {
-    if (m_interfaceBase == nullptr)
-        return;
     tellSetup();
     const bool isAlways = m_project.isVizAlwaysActive;
     if (!isActive)

@@ -10,8 +10,6 @@ namespace qrb {
 
 CErrorPtr CAudioWrapper::saveState(COutputStream& out)
 {
-    if (m_paramRegistry == nullptr)
-        return QRB_ERROR("@qrbstr_CAudioWrapper_saveState_NoRegistry No presets are declared.");
     CWriteSeqBuffer buffer;
     QRB_TRY(m_paramRegistry->acquirePreset(false, -1, -1, buffer));
     CByteArray payload;
@@ -21,8 +19,6 @@ CErrorPtr CAudioWrapper::saveState(COutputStream& out)
 
 CErrorPtr CAudioWrapper::loadState(CInputStream& in)
 {
-    if (m_paramRegistry == nullptr)
-        return QRB_ERROR("@qrbstr_CAudioWrapper_loadState_NoRegistry No presets are declared.");
     CByteArray payload;
     QRB_TRY(in.readCompressedData(payload, kPresetChunk));
     CMemoryReaderStatic preset(payload.span());

@@ -48,7 +48,14 @@ CErrorPtr CPluginProject::read(const CObject& project)
     parseTail(project.getAttrString("plugin-tail"));
     autoOversamplingMode = project.getAttrInt("auto-oversampling-rtmode");
     useHostBPM = project.getAttrBool("use-host-bpm");
+    useHostRecording = project.getAttrBool("use-host-recording");
     useSidechain = project.getAttrBool("use-sidechain");
+    useRouting = project.getAttrBool("use-routing");
+    useMidSide = project.getAttrBool("use-mid-side");
+    useWindowResizing = project.getAttrBool("use-window-resizing");
+    isSymmetricIO = project.getAttrBool("is-symmetric-io");
+    minWindowWidth = project.getAttrInt("min-window-width");
+    minWindowHeight = project.getAttrInt("min-window-height");
     isVizAlwaysActive = project.getAttrBool("is-viz-always-active");
     return nullptr;
 }

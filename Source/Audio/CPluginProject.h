@@ -27,7 +27,14 @@ struct CPluginProject {
     std::optional<double> tailSeconds; ///< none: no tail is reported
     int autoOversamplingMode = 0;      ///< mode while the host runs in real time, plus 1
     bool useHostBPM = false;
+    bool useHostRecording = false;
     bool useSidechain = false;
+    bool useRouting = false;
+    bool useMidSide = false;
+    bool useWindowResizing = false;
+    bool isSymmetricIO = false;      ///< as many outputs as inputs
+    std::int32_t minWindowWidth = 0; ///< at a scale of 1; 0 for none
+    std::int32_t minWindowHeight = 0;
     bool isVizAlwaysActive = false; ///< visualisation goes on while the plug-in is stopped
 
     /// Replaces everything; on failure the content is undefined.

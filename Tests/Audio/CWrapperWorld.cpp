@@ -43,6 +43,15 @@ std::string document(const std::string& projectAttrs)
         <template name="plugin" class="core:object">
           <audio:audio-env name="audio-env"/>
           <audio:param-collector name="param-collector" env="^audio-env"/>
+          <audio:viz-collector name="viz-collector" env="^audio-env" param-collector="^param-collector"/>
+          <other:param-interface-base-connector-uni name="interface-base-connector"/>
+          <audio:interface-base name="interface-base" base-connector="^interface-base-connector"
+            param-collector="^param-collector" viz-collector="^viz-collector"/>
+          <audio:ext-param-list name="ext-param-list">
+            <audio:ext-param name="level" param-collector="plugin.param-collector" param-name="plugin.modMain.level"
+              ext-name="Level"/>
+          </audio:ext-param-list>
+          <audio:cctable name="cctable"/>
           <audio:param-registry name="param-registry" hierarchy="plugin.modMain" id="test" is-master="true"
             param-collector="^param-collector" def-name-remap="plugin=audio"/>
         </template></shared>)";

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/HostParams/SpeakerNames.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace qrb {
+
+/// By bit number.
+static constexpr const char* kNames[] = {"L",   "R",   "C",   "Lfe", "Ls",  "Rs",  "Lc",  "Rc",  "S",    "Sl",
+                                         "Sr",  "Tm",  "Tfl", "Tfc", "Tfr", "Trl", "Trc", "Trr", "Lfe2", "M",
+                                         "B-W", "B-X", "B-Y", "B-Z", "Tsl", "Tsr", "Lcs", "Rcs"};
+
+const char* speakerName(std::uint32_t bit)
+{
+    return bit < std::size(kNames) ? kNames[bit] : "";
+}
+
+bool isSpeakerName(const CString& text)
+{
+    return std::any_of(std::begin(kNames), std::end(kNames), [&](const char* name) { return text == name; });
+}
+
+} // namespace qrb
