@@ -164,6 +164,8 @@ void CModSpectrumModule::runFrame(double time)
         return; // or it would stay in the bins for ever
     if (m_hasPosted && time - m_postTime < 1.0 / viewRate() / kRateMargin)
         return;
+    if (m_main.bins.isDamaged() || (m_hasSecond && m_second.bins.isDamaged()))
+        return clearSpectra();
     post(m_main, time);
     if (m_hasSecond)
         post(m_second, time);

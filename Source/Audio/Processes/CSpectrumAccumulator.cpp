@@ -4,9 +4,15 @@
 #include "Audio/Processes/CSpectrumFrame.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace qrb {
+
+namespace {
+
+/// Bins that are worked on at a time, so that they stay near the processor until all have taken them.
+constexpr std::size_t kChunk = 256;
+
+} // namespace
 
 ESpectrumKind CSpectrumAccumulator::kindOf(int value)
 {
@@ -18,6 +24,7 @@ void CSpectrumAccumulator::start(ESpectrumKind kind, std::size_t size)
     const std::size_t room = CSpectrumFrame::binRoom(size);
     m_kind = kind;
     m_frameCount = 0;
+    m_gain = CSpectrumFrame::binGain(size);
     m_bins.resize(room);
     m_means.resize(kind == ESpectrumKind::rtSigma ? room : 0);
     std::fill(m_bins.begin(), m_bins.end(), 0.0);
@@ -29,14 +36,13 @@ void CSpectrumAccumulator::add(const CSpectrumFrame& frame, std::span<CSpectrumA
 {
     if (spectra.empty())
         return;
-    constexpr std::size_t kChunk = 256; // what is found stays near the processor until all have taken it
     double magnitudes[kChunk];
     const CSpectrumKernels& kernels = spectrumKernels();
     CSpectrumAccumulator& leader = *spectra.front();
     const std::span<CSpectrumAccumulator* const> others = spectra.subspan(1);
     for (std::size_t first = 0; first < leader.m_bins.size(); first += kChunk) {
         const std::size_t count = std::min(kChunk, leader.m_bins.size() - first);
-        kernels.first[leader.place()](frame.power(), frame.terms() + 2 * first, count, rates, leader.at(first),
+        kernels.first[leader.place()](frame.terms() + 2 * first, count, rates, leader.at(first),
                                       others.empty() ? nullptr : magnitudes);
         for (CSpectrumAccumulator* const spectrum : others)
             kernels.next[spectrum->place()](magnitudes, count, rates, spectrum->at(first));
@@ -45,13 +51,22 @@ void CSpectrumAccumulator::add(const CSpectrumFrame& frame, std::span<CSpectrumA
         ++spectrum->m_frameCount;
 }
 
+bool CSpectrumAccumulator::isDamaged() const
+{
+    return !spectrumKernels().areFinite(m_bins.data(), m_bins.size());
+}
+
 void CSpectrumAccumulator::copyTo(std::span<double> out) const
 {
+    const CSpectrumKernels& kernels = spectrumKernels();
+    const auto read = hasSquares() ? kernels.readRoots : kernels.read;
     const bool isSum = m_kind == ESpectrumKind::average && m_frameCount > 0;
-    const double factor = isSum ? 1.0 / static_cast<double>(m_frameCount) : 1.0;
-    const std::size_t count = std::min(out.size(), m_bins.size());
-    for (std::size_t i = 0; i < count; ++i)
-        out[i] = hasSquares() ? std::sqrt(m_bins[i]) : m_bins[i] * factor;
+    const double gain = isSum ? m_gain / static_cast<double>(m_frameCount) : m_gain;
+    double bins[kChunk];
+    for (std::size_t first = 0; first < std::min(out.size(), m_bins.size()); first += kChunk) {
+        read(m_bins.data() + first, std::min(kChunk, m_bins.size() - first), gain, bins);
+        std::copy_n(bins, std::min(kChunk, out.size() - first), out.data() + first);
+    }
 }
 
 } // namespace qrb

@@ -25,6 +25,8 @@ public:
                     const CSpectrumRates& rates);
     /// Whether copyTo() has something: means need a frame.
     [[nodiscard]] bool hasResult() const { return m_kind != ESpectrumKind::average || m_frameCount > 0; }
+    /// Frames with samples far beyond any signal leave bins that are none, for ever: it has to be started again.
+    [[nodiscard]] bool isDamaged() const;
     /// The bins as they are shown; as many as `out` has.
     void copyTo(std::span<double> out) const;
     [[nodiscard]] ESpectrumKind kind() const { return m_kind; }
@@ -37,6 +39,7 @@ private:
     ESpectrumKind m_kind = ESpectrumKind::rtAverage;
     CArray<double, 0> m_bins;  ///< filled up to whole steps of the kernels
     CArray<double, 0> m_means; ///< of rtSigma only
+    double m_gain = 1.0;
     std::int64_t m_frameCount = 0;
 };
 

@@ -26,8 +26,6 @@ bool CSpectrumFrame::transform(const platform::CRealFFTPlan& plan, const double*
     last[3] = -last[-1];
     std::fill(last + 4, last + 2 * kStep + kMargin, 0.0);
     m_terms = first;
-    // The window sqrt(8) / size * (1 - cos) / 2 is a quarter of the terms' 2 t[k] - t[k - 1] - t[k + 1].
-    m_power = 0.5 / (static_cast<double>(size) * static_cast<double>(size));
     return true;
 }
 

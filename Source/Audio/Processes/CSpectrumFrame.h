@@ -4,6 +4,7 @@
 #include "Audio/Processes/SpectrumKernels.h"
 
 #include <cstddef>
+#include <numbers>
 
 namespace qrb {
 
@@ -32,8 +33,12 @@ public:
 
     /// [re, im, re, im, ...] of binRoom() bins without the window, with one more in front and behind.
     [[nodiscard]] const double* terms() const { return m_terms; }
-    /// Of the window: gain of the squares of the terms that CSpectrumKernels joins.
-    [[nodiscard]] double power() const { return m_power; }
+    /// Of the bins that CSpectrumKernels finds in the terms of a frame of `size` samples: sqrt(8) / size of the window, and
+    /// a quarter since the kernels take 2 t[k] - t[k - 1] - t[k + 1] for (t[k] - (t[k - 1] + t[k + 1]) / 2) / 2.
+    [[nodiscard]] static constexpr double binGain(std::size_t size)
+    {
+        return 0.5 * std::numbers::sqrt2 / static_cast<double>(size);
+    }
 
 private:
     static constexpr std::size_t kStep = CSpectrumKernels::kBinStep;
@@ -41,7 +46,6 @@ private:
     static constexpr std::size_t kAlignment = 8; ///< in doubles, of the terms: the transform is faster then
 
     const double* m_terms = nullptr;
-    double m_power = 0.0;
 };
 
 } // namespace qrb

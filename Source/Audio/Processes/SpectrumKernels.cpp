@@ -26,6 +26,11 @@ namespace pairs {
     return _mm_unpacklo_pd(a, b) + _mm_unpackhi_pd(a, b);
 }
 
+[[gnu::always_inline]] inline Lanes ordered(Lanes lanes)
+{
+    return lanes;
+}
+
 #include "Audio/Processes/SpectrumLoops.inl"
 
 } // namespace pairs

@@ -28,8 +28,12 @@ namespace quads {
 
 [[gnu::always_inline]] inline Lanes sumTerms(Lanes a, Lanes b)
 {
-    const Lanes sums = _mm256_unpacklo_pd(a, b) + _mm256_unpackhi_pd(a, b);
-    return _mm256_permute4x64_pd(sums, 0b11011000);
+    return _mm256_unpacklo_pd(a, b) + _mm256_unpackhi_pd(a, b); // of terms 0, 2, 1, 3
+}
+
+[[gnu::always_inline]] inline Lanes ordered(Lanes lanes)
+{
+    return _mm256_permute4x64_pd(lanes, 0b11011000);
 }
 
 #include "Audio/Processes/SpectrumLoops.inl"

@@ -30,13 +30,29 @@ CRun runKind(const CSpectrumKernels& kernels, std::size_t kind)
     for (int frame = 0; frame < 5; ++frame) {
         for (double& term : terms)
             term = random();
-        terms[10] = std::numeric_limits<double>::quiet_NaN();
-        terms[60] = 1e200;
-        terms[90] = 1e-200;
-        kernels.first[kind](0.3, terms.data() + 2, kCount, kRates, {run.first.data(), run.firstMeans.data()},
+        terms[60] = 1e70;
+        terms[90] = 1e-70;
+        kernels.first[kind](terms.data() + 2, kCount, kRates, {run.first.data(), run.firstMeans.data()},
                             run.magnitudes.data());
-        kernels.first[kind](0.3, terms.data() + 2, kCount, kRates, {run.alone.data(), run.aloneMeans.data()}, nullptr);
+        kernels.first[kind](terms.data() + 2, kCount, kRates, {run.alone.data(), run.aloneMeans.data()}, nullptr);
         kernels.next[kind](run.magnitudes.data(), kCount, kRates, {run.next.data(), run.nextMeans.data()});
+    }
+    for (auto* list : {&run.first, &run.firstMeans, &run.next, &run.nextMeans, &run.magnitudes}) {
+        EXPECT_TRUE(kernels.areFinite(list->data(), kCount));
+        const std::vector<double> values = *list;
+        kernels.read(values.data(), kCount, 0.7, list->data());
+    }
+    for (auto* list : {&run.alone, &run.aloneMeans}) {
+        std::vector<double> values = *list;
+        kernels.read(values.data(), kCount, 0.7, list->data());
+        for (double& value : values)
+            value *= value;
+        std::vector<double> roots(kCount);
+        kernels.readRoots(values.data(), kCount, 0.7, roots.data());
+        for (std::size_t i = 0; i < kCount; ++i)
+            EXPECT_DOUBLE_EQ(roots[i], std::abs((*list)[i]));
+        values[kCount - 1] = std::numeric_limits<double>::infinity();
+        EXPECT_FALSE(kernels.areFinite(values.data(), kCount));
     }
     return run;
 }
