@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the product's chain costs: neutral, with everything on, each part alone, oversampled, in small blocks, and in
 // silence after a loud passage. Copying the samples is the floor.
+#include "Audio/Viz/CAudioVizCollector.h"
+#include "Core/CWriteSeqBuffer.h"
 #include "Tools/Render/CProductModule.h"
 #include "Tools/Render/CRenderInstance.h"
 
 #include <benchmark/benchmark.h>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <numbers>
@@ -111,6 +114,34 @@ public:
         benchmark::ClobberMemory();
     }
 
+    /// Starts or ends to listen to all meters and spectra.
+    void look(bool isLooking)
+    {
+        constexpr std::uint32_t kClient = 1;
+        qrb::CAudioVizCollector* collector = nullptr;
+        if (m_instance->root().findObjectChecked("plugin.viz-collector", collector)) {
+            m_error = "there is nothing to look at";
+            return;
+        }
+        std::uint32_t id = kClient << 16;
+        for (const char* const source :
+             {"modMeterOut", "modMeterIODiff", "modSpectrum", "modSpectrum-sec", "modThumpcraft.modGate.modMeterIn",
+              "modThumpcraft.modGate.modMeterGR", "modThumpcraft.modBand.mod.modMeterIn",
+              "modThumpcraft.modBand.mod.modMeterIODiff", "modThumpcraft.modBand.mod.modComp.modMeterGR"}) {
+            ++id;
+            if (isLooking)
+                collector->listen(qrb::CAudioVizCollector::kOwnInstance, qrb::CString("plugin.modMain.") + source, id);
+            else
+                collector->unlisten(id);
+        }
+        for (int block = 0; block < 200; ++block) {
+            play();
+            qrb::CWriteSeqBuffer records(4096); // makes those that modules will fill
+            if (block % 20 == 0 && collector->writeData(kClient, 0.0, records))
+                m_error = "nothing is to be seen";
+        }
+    }
+
 private:
     std::string m_error;
     render::CProductModule m_module;
@@ -141,6 +172,24 @@ void chain(benchmark::State& state, const CSettings& settings, int channels, int
     for (auto _ : state)
         player.play();
     countFrames(state, blockSize);
+}
+
+/// While an editor shows all meters and the spectrum, or with it closed again.
+void chainSeen(benchmark::State& state, const CSettings& settings, bool isOpen)
+{
+    constexpr int kBlock = 512;
+    CPlayer player(settings, 2, kBlock);
+    if (player.error().empty())
+        player.look(true);
+    if (player.error().empty() && !isOpen)
+        player.look(false);
+    if (!player.error().empty()) {
+        state.SkipWithError(player.error().c_str());
+        return;
+    }
+    for (auto _ : state)
+        player.play();
+    countFrames(state, kBlock);
 }
 
 /// Told beforehand: to find a number out, the hour would be played again and again.
@@ -194,6 +243,10 @@ BENCHMARK_CAPTURE(chain, everything_4X, kEverything + CSettings{"oversampling=4X
 BENCHMARK_CAPTURE(chain, everything_8X, kEverything + CSettings{"oversampling=8X"}, 2, 512);
 BENCHMARK_CAPTURE(chain, recursive_8X, bands(1) + CSettings{"oversampling=8X", "lp-oversampling-enable=0"}, 2, 512);
 BENCHMARK_CAPTURE(chain, linear_phase_8X, bands(1) + CSettings{"oversampling=8X"}, 2, 512);
+BENCHMARK_CAPTURE(chainSeen, neutral_open, bands(1), true);
+BENCHMARK_CAPTURE(chainSeen, neutral_closed, bands(1), false);
+BENCHMARK_CAPTURE(chainSeen, everything_open, kEverything, true);
+BENCHMARK_CAPTURE(chainSeen, everything_closed, kEverything, false);
 BENCHMARK_CAPTURE(chainInSilence, gate, bands(1) + kGate)->Iterations(kSilentBlocks);
 BENCHMARK_CAPTURE(chainInSilence, equalizer, bands(1) + kFilters)->Iterations(kSilentBlocks);
 BENCHMARK_CAPTURE(chainInSilence, compressor, bands(1) + eachBand("comp-enable"))->Iterations(kSilentBlocks);
