@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Messages of a client to the engine. The input is a row of messages; a choice behind those of the names sends the bytes as
-// they are, the last one has the clients work on their answers.
+// they are. Where the first one is the last choice of all, the client works on its answers before each message.
 #include "Fuzz/CFuzzInterface.h"
 #include "Fuzz/CFuzzProduct.h"
 
