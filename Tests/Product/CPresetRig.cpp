@@ -102,7 +102,7 @@ CPresetRig::CPresetRig()
     modes.banks.emplace();
     for (int i = 0; i < kModes; ++i)
         modes.banks[0].presets.append(plainPreset("QBXT:Mode", modeState(i), kModePrefix));
-    product::CDataFiles files{productResources(), {}};
+    product::CDataFiles files{{productResources()}, {}};
     files.read["FactoryROM.cbf"] = chunkOf(bank, kPresetBankChunk);
     files.read["AppDataLocal_xotube-presets"] = chunkOf(modes, kPresetListChunk);
     std::string error;

@@ -27,7 +27,8 @@ CDocumentModule::CDocumentModule(CDataFiles files, std::string& error) : m_files
 {
     qrb::CModuleConfig config;
     config.creators.append(qrb::audioCreators());
-    config.resources.append(m_files.linked);
+    for (const std::span<const qrb::CResourceRow> table : m_files.linked)
+        config.resources.append(table);
     for (const auto& [name, bytes] : m_files.read)
         config.resourceBytes.insert_or_assign(qrb::CString::fromUtf8(name), std::span<const std::uint8_t>(bytes));
     config.sharedDocument = kDocument;

@@ -13,7 +13,7 @@ namespace product {
 
 /// Data files by the names under which the module asks for them.
 struct CDataFiles {
-    std::span<const qrb::CResourceRow> linked;             ///< a linked-in table; may be empty
+    std::vector<std::span<const qrb::CResourceRow>> linked; ///< linked-in tables; of one name the last counts
     std::map<std::string, std::vector<std::uint8_t>> read; ///< files of their own, in place of linked ones of that name
 };
 

@@ -223,7 +223,7 @@ int listParams(const std::vector<std::string>& words, const CProductParams& para
 int runTool(const std::vector<std::string>& words, std::span<const qrb::CResourceRow> linked)
 {
     CArguments arguments;
-    arguments.files.linked = linked;
+    arguments.files.linked = {linked};
     if (const std::string problem = parseArguments(words, arguments); !problem.empty())
         return fail(problem);
     if (arguments.isHelp)

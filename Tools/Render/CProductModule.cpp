@@ -5,8 +5,8 @@
 
 namespace render {
 
-CProductModule::CProductModule(std::string& error)
-    : CDocumentModule(product::CDataFiles{qrb::productResources(), {}}, error)
+CProductModule::CProductModule(std::string& error, std::span<const qrb::CResourceRow> own)
+    : CDocumentModule(product::CDataFiles{{qrb::productResources(), own}, {}}, error)
 {
 }
 

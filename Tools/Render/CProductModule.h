@@ -8,8 +8,8 @@ namespace render {
 /// Holds the module entered with the product's own data files, all linked in.
 class CProductModule : public product::CDocumentModule {
 public:
-    /// On failure `error` gets one line, and the module is not entered.
-    explicit CProductModule(std::string& error);
+    /// `own`: data files of the tool itself. On failure `error` gets one line, and the module is not entered.
+    explicit CProductModule(std::string& error, std::span<const qrb::CResourceRow> own = {});
 };
 
 } // namespace render

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Audio/CAudioWrapper.h"
-#include "Tools/Render/CRenderOptions.h"
+#include "Tools/Render/CHostOptions.h"
 
 #include <string>
 #include <vector>

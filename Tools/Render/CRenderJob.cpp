@@ -2,176 +2,35 @@
 #include "Tools/Render/CRenderJob.h"
 
 #include "Audio/CAudioParamCollector.h"
-#include "Platform/Clock.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 
 namespace render {
 
-void CRenderJob::CHostBuffers::setShape(int channelCount, std::size_t frames, bool useDouble)
-{
-    channels = channelCount;
-    isDouble = useDouble;
-    const auto count = static_cast<std::size_t>(channelCount);
-    doubles.assign(isDouble ? count : 0, std::vector<double>(frames));
-    floats.assign(isDouble ? 0 : count, std::vector<float>(frames));
-    pointers.resize(count);
-    for (std::size_t channel = 0; channel < count; ++channel)
-        pointers[channel] = isDouble ? static_cast<void*>(doubles[channel].data()) : floats[channel].data();
-}
-
-void CRenderJob::CHostBuffers::take(std::span<const double> interleaved, std::size_t frames)
-{
-    const auto stride = static_cast<std::size_t>(channels);
-    for (std::size_t channel = 0; channel < stride; ++channel)
-        for (std::size_t frame = 0; frame < frames; ++frame) {
-            const double sample = interleaved[frame * stride + channel];
-            if (isDouble)
-                doubles[channel][frame] = sample;
-            else
-                floats[channel][frame] = static_cast<float>(sample);
-        }
-}
-
-void CRenderJob::CHostBuffers::give(std::vector<double>& interleaved, std::size_t frames) const
-{
-    const auto stride = static_cast<std::size_t>(channels);
-    interleaved.resize(frames * stride);
-    for (std::size_t channel = 0; channel < stride; ++channel)
-        for (std::size_t frame = 0; frame < frames; ++frame)
-            interleaved[frame * stride + channel] =
-                isDouble ? doubles[channel][frame] : static_cast<double>(floats[channel][frame]);
-}
-
-bool CRenderJob::openInputs(std::string& error)
-{
-    if (!m_options.inFile.empty() && !m_in.open(m_options.inFile, error))
-        return false;
-    if (m_options.sidechainFile.empty())
-        return true;
-    if (!m_sidechain.open(m_options.sidechainFile, error))
-        return false;
-    if (m_in.channels() > 0 && m_sidechain.sampleRate() != m_in.sampleRate()) {
-        error = "'" + m_options.sidechainFile + "' has another sample rate than '" + m_options.inFile + "'";
-        return false;
-    }
-    return true;
-}
-
-bool CRenderJob::prepare(std::string& error)
-{
-    if (qrb::CErrorPtr failed = m_instance.init()) {
-        error = "the instance cannot be built: " + failed->line(0).toUtf8();
-        return false;
-    }
-    const int channels = m_in.channels() > 0 ? m_in.channels() : 2;
-    const double rate = m_in.channels() > 0 ? m_in.sampleRate() : m_options.sampleRate;
-    const int keys = m_sidechain.channels();
-    m_inBuffers.setShape(channels, m_options.blockSize, m_options.useDouble);
-    m_outBuffers.setShape(channels, m_options.blockSize, m_options.useDouble);
-    m_sidechainBuffers.setShape(keys, m_options.blockSize, m_options.useDouble);
-
-    m_instance.setSampleRate(rate);
-    m_instance.setOffline(true);
-    m_instance.setInputs({channels, m_options.useDouble, false}, {keys, m_options.useDouble, false},
-                         m_sidechainBuffers.pointers.data());
-    m_instance.setOutputs({channels, m_options.useDouble, false});
-    m_instance.start(); // parameters of nodes get their definitions with the nodes
-    if (!applySettings(error))
-        return false;
-    m_instance.stop(); // what was set is in force from the first sample, with nothing fading
-    m_instance.start();
-    m_instance.paramCollector().runDeferred();
-    return collectEvents(error);
-}
-
-bool CRenderJob::applySettings(std::string& error)
-{
-    if (!m_presets.activate(m_instance, error))
-        return false;
-    std::vector<CSetting> told = m_options.sets;
-    told.insert(told.end(), m_options.events.begin(), m_options.events.end());
-    if (!m_presets.tellsRouting())
-        m_instance.routeChannels(m_inBuffers.channels + m_sidechainBuffers.channels, told);
-    for (const CSetting& setting : m_options.sets)
-        if (!m_instance.apply(setting, error))
-            return false;
-    return true;
-}
-
-bool CRenderJob::collectEvents(std::string& error)
-{
-    for (const CSetting& setting : m_options.events) {
-        CRenderInstance::CTarget target;
-        if (!m_instance.resolve(setting, target, error))
-            return false;
-        const double frame = std::floor(setting.seconds * m_in.sampleRate() + 0.5);
-        if (m_in.channels() > 0 && frame >= static_cast<double>(m_in.frames())) {
-            char time[32];
-            std::snprintf(time, sizeof time, "%g", setting.seconds);
-            error = std::string("--at ") + time + " lies behind the end of '" + m_options.inFile + "'";
-            return false;
-        }
-        m_events.push_back({static_cast<std::uint64_t>(frame), m_instance.addTarget(target), target.value});
-    }
-    std::stable_sort(m_events.begin(), m_events.end(),
-                     [](const CTimedEvent& a, const CTimedEvent& b) { return a.frame < b.frame; });
-    return true;
-}
-
-std::size_t CRenderJob::readBlock(CSoundFileReader& file, std::vector<double>& samples, std::size_t frames)
-{
-    const auto stride = static_cast<std::size_t>(file.channels());
-    samples.assign(frames * stride, 0.0);
-    return stride > 0 ? file.read(samples.data(), frames) : 0;
-}
-
-void CRenderJob::queueEvents(std::uint64_t position, std::size_t frames)
-{
-    for (; m_nextEvent < m_events.size() && m_events[m_nextEvent].frame < position + frames; ++m_nextEvent) {
-        const CTimedEvent& event = m_events[m_nextEvent];
-        m_instance.addEvent(
-            {static_cast<int>(event.frame - position), qrb::EExternalEventKind::parameter, event.index, event.value});
-    }
-}
-
-void CRenderJob::processBlock(std::size_t frames)
-{
-    const double start = qrb::platform::clockSeconds();
-    m_instance.processBlock(m_inBuffers.pointers.data(), m_outBuffers.pointers.data(), static_cast<int>(frames));
-    m_summary.seconds += qrb::platform::clockSeconds() - start;
-    m_instance.paramCollector().runDeferred();
-}
-
 bool CRenderJob::render(std::string& error)
 {
+    const CSoundFileReader& in = m_host.file();
     CSoundFileWriter out;
-    if (!out.open(m_options.outFile, m_in.channels(), m_in.sampleRate(), m_options.format, error))
+    if (!out.open(m_options.outFile, in.channels(), in.sampleRate(), m_options.format, error))
         return false;
-    const auto latency = static_cast<std::uint64_t>(m_instance.getLatencySamples());
-    const auto stride = static_cast<std::size_t>(m_in.channels());
-    const std::uint64_t total = m_in.frames() + latency; // silence drives the last samples out
+    const auto latency = static_cast<std::uint64_t>(m_host.instance().getLatencySamples());
+    const auto stride = static_cast<std::size_t>(in.channels());
+    const std::uint64_t total = in.frames() + latency; // silence drives the last samples out
     std::uint64_t toDrop = m_options.isRaw ? 0 : latency;
     CProgressBar progress;
     std::vector<double> samples;
-    std::vector<double> keys;
     for (std::uint64_t position = 0; position < total;) {
         const auto frames = static_cast<std::size_t>(std::min<std::uint64_t>(m_options.blockSize, total - position));
-        const auto own = position < m_in.frames() ? std::min<std::uint64_t>(frames, m_in.frames() - position) : 0;
-        if (readBlock(m_in, samples, frames) < own) {
+        const auto own = position < in.frames() ? std::min<std::uint64_t>(frames, in.frames() - position) : 0;
+        if (m_host.playBlock(frames) < own) {
             progress.clear();
             error = "'" + m_options.inFile + "' is damaged: its data ends early";
             return false;
         }
-        readBlock(m_sidechain, keys, frames);
-        m_summary.in.add(std::span(samples).first(static_cast<std::size_t>(own) * stride));
-        m_inBuffers.take(samples, frames);
-        m_sidechainBuffers.take(keys, frames);
-        queueEvents(position, frames);
-        processBlock(frames);
-        m_outBuffers.give(samples, frames);
+        m_host.instance().paramCollector().runDeferred();
+        m_summary.in.add(m_host.input().first(static_cast<std::size_t>(own) * stride));
+        m_host.output(samples, frames);
         const auto dropped = static_cast<std::size_t>(std::min<std::uint64_t>(toDrop, frames));
         toDrop -= dropped;
         const std::span<const double> kept = std::span(samples).subspan(dropped * stride);
@@ -187,7 +46,7 @@ bool CRenderJob::render(std::string& error)
 
 void CRenderJob::printList()
 {
-    const std::vector<CRenderInstance::CParamText> list = m_instance.listParams();
+    const std::vector<CRenderInstance::CParamText> list = m_host.instance().listParams();
     if (m_options.isJson) {
         std::printf("[");
         for (std::size_t i = 0; i < list.size(); ++i) {
@@ -215,35 +74,43 @@ void CRenderJob::printList()
 
 bool CRenderJob::run(std::string& error)
 {
-    if (!openInputs(error) || !m_presets.readFiles(error) || !prepare(error))
+    if (!m_host.open(error) || !m_host.prepare(true, error))
         return false;
     if (m_options.task == ETask::presets) {
-        m_presets.print(m_instance);
+        m_host.presets().print(m_host.instance(), m_options.isJson);
         return true;
     }
-    if (!m_presets.take(m_instance, error))
+    const bool isSaving = !m_options.savePresetFile.empty();
+    if (isSaving && !m_host.presets().take(m_host.instance(), error))
         return false;
     if (m_options.task == ETask::list) {
         printList();
         return true;
     }
     if (m_options.task == ETask::latency) {
-        std::printf(m_options.isJson ? "{\"latency\": %d}\n" : "%d\n", m_instance.getLatencySamples());
+        std::printf(m_options.isJson ? "{\"latency\": %d}\n" : "%d\n", m_host.instance().getLatencySamples());
         return true;
     }
-    if (m_options.task == ETask::save)
-        return m_presets.save(error);
-    if (!render(error) || !m_presets.save(error))
+    if (m_options.task == ETask::render && !render(error))
         return false;
+    if (isSaving && !m_host.presets().save(m_options.savePresetFile, error))
+        return false;
+    if (m_options.task == ETask::render)
+        printSummary();
+    return true;
+}
+
+void CRenderJob::printSummary()
+{
     m_summary.inFile = m_options.inFile;
     m_summary.outFile = m_options.outFile;
-    m_summary.channels = m_in.channels();
-    m_summary.sampleRate = m_in.sampleRate();
-    m_summary.frames = m_in.frames();
+    m_summary.channels = m_host.file().channels();
+    m_summary.sampleRate = m_host.sampleRate();
+    m_summary.frames = m_host.file().frames();
     m_summary.blockSize = m_options.blockSize;
-    m_summary.latency = m_instance.getLatencySamples();
-    m_options.isJson ? printSummaryJson(stdout, m_summary) : printSummary(stdout, m_summary);
-    return true;
+    m_summary.latency = m_host.instance().getLatencySamples();
+    m_summary.seconds = m_host.processingSeconds();
+    m_options.isJson ? printSummaryJson(stdout, m_summary) : render::printSummary(stdout, m_summary);
 }
 
 } // namespace render

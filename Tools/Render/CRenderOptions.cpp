@@ -1,37 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Tools/Render/CRenderOptions.h"
 
-#include <charconv>
-#include <cmath>
-#include <span>
+#include "Tools/Render/CArgReader.h"
 
 namespace render {
 
 namespace {
-
-template <class T>
-bool parseWhole(const std::string& text, T& out)
-{
-    const auto [end, status] = std::from_chars(text.data(), text.data() + text.size(), out);
-    return status == std::errc() && end == text.data() + text.size() && !text.empty();
-}
-
-/// Takes ":NUMBER" off the end of `path` if it is there. False if something else stands behind a colon.
-bool splitIndices(std::string& path, CSetting& setting)
-{
-    const std::size_t first = path.find(':');
-    if (first == std::string::npos)
-        return true;
-    const std::string indices = path.substr(first + 1);
-    path.resize(first);
-    const std::size_t second = indices.find(':');
-    const std::string group = indices.substr(0, second);
-    if (!parseWhole(group, setting.group) || setting.group < 0)
-        return false;
-    if (second == std::string::npos)
-        return true;
-    return parseWhole(indices.substr(second + 1), setting.element) && setting.element >= 0;
-}
 
 bool parseFormat(const std::string& name, EFileFormat& out)
 {
@@ -48,70 +22,6 @@ bool parseFormat(const std::string& name, EFileFormat& out)
     return true;
 }
 
-/// Walks the words; each option takes what it needs from the front.
-class CArgReader {
-public:
-    CArgReader(std::span<const std::string> args, std::string& error) : m_args(args), m_error(error) {}
-
-    [[nodiscard]] bool atEnd() const { return m_next == m_args.size(); }
-    const std::string& take() { return m_args[m_next++]; }
-
-    /// The next word as the value of `option`; false with an error if there is none.
-    bool takeValue(const std::string& option, std::string& out)
-    {
-        if (atEnd()) {
-            m_error = "option '" + option + "' needs a value";
-            return false;
-        }
-        out = take();
-        return true;
-    }
-
-private:
-    std::span<const std::string> m_args;
-    std::string& m_error;
-    std::size_t m_next = 0;
-};
-
-bool takeSetting(CArgReader& args, const std::string& option, std::vector<CSetting>& out, double seconds,
-                 std::string& error)
-{
-    std::string text;
-    if (!args.takeValue(option, text))
-        return false;
-    std::optional<CSetting> setting = parseSetting(text, error);
-    if (!setting)
-        return false;
-    setting->seconds = seconds;
-    out.push_back(std::move(*setting));
-    return true;
-}
-
-bool takeEvent(CArgReader& args, const std::string& option, std::vector<CSetting>& out, std::string& error)
-{
-    std::string time;
-    double seconds = 0.0;
-    if (!args.takeValue(option, time))
-        return false;
-    if (!parseWhole(time, seconds) || !std::isfinite(seconds) || seconds < 0.0) {
-        error = "'" + time + "' is no time in seconds (option '" + option + "')";
-        return false;
-    }
-    return takeSetting(args, option, out, seconds, error);
-}
-
-bool takeBlockSize(CArgReader& args, const std::string& option, std::size_t& out, std::string& error)
-{
-    std::string text;
-    if (!args.takeValue(option, text))
-        return false;
-    if (!parseWhole(text, out) || out == 0 || out > kMaxBlockSize) {
-        error = "'" + text + "' is no block size from 1 to " + std::to_string(kMaxBlockSize);
-        return false;
-    }
-    return true;
-}
-
 bool takeFormat(CArgReader& args, const std::string& option, EFileFormat& out, std::string& error)
 {
     std::string text;
@@ -124,57 +34,15 @@ bool takeFormat(CArgReader& args, const std::string& option, EFileFormat& out, s
     return true;
 }
 
-bool takeRate(CArgReader& args, const std::string& option, double& out, std::string& error)
-{
-    std::string text;
-    if (!args.takeValue(option, text))
-        return false;
-    if (!parseWhole(text, out) || !(out >= 1000.0 && out <= 1e6)) {
-        error = "'" + text + "' is no sample rate from 1000 to 1000000 Hz";
-        return false;
-    }
-    return true;
-}
-
-/// The path of a file; another one than that of an option before it makes no sense.
-bool takeFile(CArgReader& args, const std::string& option, std::string& out, std::string& error)
-{
-    std::string path;
-    if (!args.takeValue(option, path))
-        return false;
-    if (path.empty() || !out.empty()) {
-        error = path.empty() ? "option '" + option + "' needs a value" : "option '" + option + "' is given twice";
-        return false;
-    }
-    out = path;
-    return true;
-}
-
 bool takeOption(const std::string& option, CArgReader& args, CRenderOptions& out, std::string& error)
 {
-    if (option == "--set")
-        return takeSetting(args, option, out.sets, 0.0, error);
-    if (option == "--at")
-        return takeEvent(args, option, out.events, error);
-    if (option == "--sidechain")
-        return args.takeValue(option, out.sidechainFile);
-    if (option == "--preset")
-        return args.takeValue(option, out.presetName.emplace());
-    if (option == "--bank")
-        return takeFile(args, option, out.bankFile, error);
-    if (option == "--preset-file")
-        return takeFile(args, option, out.presetFiles.emplace_back(), error);
+    if (const EOption taken = takeHostOption(option, args, out, error); taken != EOption::unknown)
+        return taken == EOption::taken;
     if (option == "--save-preset")
-        return takeFile(args, option, out.savePresetFile, error);
-    if (option == "--block")
-        return takeBlockSize(args, option, out.blockSize, error);
+        return args.takeFile(option, out.savePresetFile);
     if (option == "--format")
         return takeFormat(args, option, out.format, error);
-    if (option == "--rate")
-        return takeRate(args, option, out.sampleRate, error);
-    if (option == "--double")
-        out.useDouble = true;
-    else if (option == "--raw")
+    if (option == "--raw")
         out.isRaw = true;
     else if (option == "--json")
         out.isJson = true;
@@ -194,21 +62,6 @@ bool takeOption(const std::string& option, CArgReader& args, CRenderOptions& out
 }
 
 } // namespace
-
-std::optional<CSetting> parseSetting(const std::string& text, std::string& error)
-{
-    const std::size_t equals = text.find('=');
-    CSetting setting;
-    if (equals != std::string::npos) {
-        setting.path = text.substr(0, equals);
-        setting.text = text.substr(equals + 1);
-    }
-    if (equals == std::string::npos || !splitIndices(setting.path, setting) || setting.path.empty()) {
-        error = "'" + text + "' is not of the form PATH[:GROUP[:ELEMENT]]=TEXT";
-        return std::nullopt;
-    }
-    return setting;
-}
 
 std::optional<CRenderOptions> parseOptions(const std::vector<std::string>& words, std::string& error)
 {

@@ -178,32 +178,30 @@ bool CRenderPresets::activateOne(qrb::CAudioWrapper& instance, const qrb::CAudio
     return error.empty();
 }
 
-void CRenderPresets::print(qrb::CAudioWrapper& instance) const
+void CRenderPresets::print(qrb::CAudioWrapper& instance, bool isJson) const
 {
     std::int32_t current = -1;
     std::vector<qrb::CString> names = namesOf(m_bank);
     if (m_options.bankFile.empty() && instance.paramRegistry() != nullptr)
         names = programNames(*instance.paramRegistry(), current);
-    std::string text = m_options.isJson ? "[" : "";
+    std::string text = isJson ? "[" : "";
     for (std::size_t i = 0; i < names.size(); ++i) {
         qrb::CAudioPreset preset;
         preset.name = names[i];
         const std::string name = preset.visibleName().toUtf8();
         const bool isCurrent = current == static_cast<std::int32_t>(i);
-        if (m_options.isJson)
+        if (isJson)
             text += std::string(i > 0 ? "," : "") + "\n  {\"name\": " + jsonString(name) +
                     ", \"registry\": " + jsonString(preset.registryId().toUtf8()) +
                     ", \"current\": " + (isCurrent ? "true" : "false") + "}";
         else
             text += (isCurrent ? "* " : "  ") + printable(name) + "\n";
     }
-    std::printf("%s%s", text.c_str(), m_options.isJson ? "\n]\n" : "");
+    std::printf("%s%s", text.c_str(), isJson ? "\n]\n" : "");
 }
 
 bool CRenderPresets::take(qrb::CAudioWrapper& instance, std::string& error)
 {
-    if (m_options.savePresetFile.empty())
-        return true;
     qrb::CAudioParamRegistry* const master = instance.paramRegistry();
     if (master == nullptr) {
         error = "the product has no presets";
@@ -221,11 +219,9 @@ bool CRenderPresets::take(qrb::CAudioWrapper& instance, std::string& error)
     return !failed;
 }
 
-bool CRenderPresets::save(std::string& error) const
+bool CRenderPresets::save(const std::string& path, std::string& error) const
 {
-    if (!m_options.savePresetFile.empty())
-        error = qrbdoc::writeFileWhole(m_options.savePresetFile,
-                                       {reinterpret_cast<const char*>(m_taken.data()), m_taken.size()});
+    error = qrbdoc::writeFileWhole(path, {reinterpret_cast<const char*>(m_taken.data()), m_taken.size()});
     return error.empty();
 }
 

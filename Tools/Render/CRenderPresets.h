@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Audio/Presets/CAudioPreset.h"
-#include "Tools/Render/CRenderOptions.h"
+#include "Tools/Render/CHostOptions.h"
 
 #include <string>
 #include <vector>
@@ -14,10 +14,10 @@ class CAudioWrapper;
 namespace render {
 
 /// The presets of a command line: one of the built-in bank or of a bank's file, those of files of their own, and the
-/// file that the settings are saved to.
+/// one that the settings are saved as.
 class CRenderPresets {
 public:
-    explicit CRenderPresets(const CRenderOptions& options) : m_options(options) {}
+    explicit CRenderPresets(const CHostOptions& options) : m_options(options) {}
 
     /// Reads all files, before anything else is done. False with one line in `error`.
     [[nodiscard]] bool readFiles(std::string& error);
@@ -27,11 +27,11 @@ public:
     [[nodiscard]] bool tellsRouting() const { return m_tellsRouting; }
 
     /// Prints the names in the bank's file or in the instance.
-    void print(qrb::CAudioWrapper& instance) const;
-    /// Takes the current settings for the file that they are saved to, if there is one. False with one line in `error`.
+    void print(qrb::CAudioWrapper& instance, bool isJson) const;
+    /// Takes the current settings to be saved. False with one line in `error`.
     [[nodiscard]] bool take(qrb::CAudioWrapper& instance, std::string& error);
     /// Writes what was taken as a preset. False with one line in `error`; the file then is as before.
-    [[nodiscard]] bool save(std::string& error) const;
+    [[nodiscard]] bool save(const std::string& path, std::string& error) const;
 
 private:
     /// Presets by their whole names, as `path` has them.
@@ -42,7 +42,7 @@ private:
     [[nodiscard]] bool activateOne(qrb::CAudioWrapper& instance, const qrb::CAudioPreset& preset,
                                    const std::string& from, std::string& error);
 
-    const CRenderOptions& m_options;
+    const CHostOptions& m_options;
     std::vector<qrb::CAudioPreset> m_bank;
     std::vector<qrb::CAudioPreset> m_files; ///< in the order of the command line
     qrb::CByteArray m_taken;

@@ -113,6 +113,11 @@ std::size_t CSoundFileReader::read(double* interleaved, std::size_t frames)
     return got > 0 ? static_cast<std::size_t>(got) : 0;
 }
 
+bool CSoundFileReader::rewind()
+{
+    return sf_seek(m_file.get(), 0, SEEK_SET) == 0;
+}
+
 CSoundFileWriter::~CSoundFileWriter()
 {
     m_file.reset();

@@ -31,6 +31,8 @@ public:
 
     /// Reads up to `frames` frames; gives how many came. Fewer than asked for means the end of the data.
     [[nodiscard]] std::size_t read(double* interleaved, std::size_t frames);
+    /// Goes back to the first frame. False where that is not possible, as in a pipe.
+    [[nodiscard]] bool rewind();
 
 private:
     CSoundFileHandle m_file;

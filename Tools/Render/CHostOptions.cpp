@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Tools/Render/CHostOptions.h"
+
+#include "Tools/Render/CArgReader.h"
+
+#include <cmath>
+
+namespace render {
+
+namespace {
+
+/// Takes ":NUMBER" off the end of `path` if it is there. False if something else stands behind a colon.
+bool splitIndices(std::string& path, CSetting& setting)
+{
+    const std::size_t first = path.find(':');
+    if (first == std::string::npos)
+        return true;
+    const std::string indices = path.substr(first + 1);
+    path.resize(first);
+    const std::size_t second = indices.find(':');
+    const std::string group = indices.substr(0, second);
+    if (!parseWhole(group, setting.group) || setting.group < 0)
+        return false;
+    if (second == std::string::npos)
+        return true;
+    return parseWhole(indices.substr(second + 1), setting.element) && setting.element >= 0;
+}
+
+bool takeSetting(CArgReader& args, const std::string& option, std::vector<CSetting>& out, double seconds,
+                 std::string& error)
+{
+    std::string text;
+    if (!args.takeValue(option, text))
+        return false;
+    std::optional<CSetting> setting = parseSetting(text, error);
+    if (!setting)
+        return false;
+    setting->seconds = seconds;
+    out.push_back(std::move(*setting));
+    return true;
+}
+
+bool takeEvent(CArgReader& args, const std::string& option, std::vector<CSetting>& out, std::string& error)
+{
+    std::string time;
+    double seconds = 0.0;
+    if (!args.takeValue(option, time))
+        return false;
+    if (!parseWhole(time, seconds) || !std::isfinite(seconds) || seconds < 0.0) {
+        error = "'" + time + "' is no time in seconds (option '" + option + "')";
+        return false;
+    }
+    return takeSetting(args, option, out, seconds, error);
+}
+
+bool takeBlockSize(CArgReader& args, const std::string& option, std::size_t& out, std::string& error)
+{
+    std::string text;
+    if (!args.takeValue(option, text))
+        return false;
+    if (!parseWhole(text, out) || out == 0 || out > kMaxBlockSize) {
+        error = "'" + text + "' is no block size from 1 to " + std::to_string(kMaxBlockSize);
+        return false;
+    }
+    return true;
+}
+
+bool takeRate(CArgReader& args, const std::string& option, double& out, std::string& error)
+{
+    std::string text;
+    if (!args.takeValue(option, text))
+        return false;
+    if (!parseWhole(text, out) || !(out >= 1000.0 && out <= 1e6)) {
+        error = "'" + text + "' is no sample rate from 1000 to 1000000 Hz";
+        return false;
+    }
+    return true;
+}
+
+bool takeKnown(const std::string& option, CArgReader& args, CHostOptions& out, std::string& error, bool& isKnown)
+{
+    if (option == "--set")
+        return takeSetting(args, option, out.sets, 0.0, error);
+    if (option == "--at")
+        return takeEvent(args, option, out.events, error);
+    if (option == "--sidechain")
+        return args.takeValue(option, out.sidechainFile);
+    if (option == "--preset")
+        return args.takeValue(option, out.presetName.emplace());
+    if (option == "--bank")
+        return args.takeFile(option, out.bankFile);
+    if (option == "--preset-file")
+        return args.takeFile(option, out.presetFiles.emplace_back());
+    if (option == "--block")
+        return takeBlockSize(args, option, out.blockSize, error);
+    if (option == "--rate")
+        return takeRate(args, option, out.sampleRate, error);
+    isKnown = option == "--double";
+    out.useDouble = out.useDouble || isKnown;
+    return isKnown;
+}
+
+} // namespace
+
+std::optional<CSetting> parseSetting(const std::string& text, std::string& error)
+{
+    const std::size_t equals = text.find('=');
+    CSetting setting;
+    if (equals != std::string::npos) {
+        setting.path = text.substr(0, equals);
+        setting.text = text.substr(equals + 1);
+    }
+    if (equals == std::string::npos || !splitIndices(setting.path, setting) || setting.path.empty()) {
+        error = "'" + text + "' is not of the form PATH[:GROUP[:ELEMENT]]=TEXT";
+        return std::nullopt;
+    }
+    return setting;
+}
+
+EOption takeHostOption(const std::string& option, CArgReader& args, CHostOptions& out, std::string& error)
+{
+    bool isKnown = true;
+    const bool isTaken = takeKnown(option, args, out, error, isKnown);
+    return isTaken ? EOption::taken : isKnown ? EOption::failed : EOption::unknown;
+}
+
+} // namespace render
