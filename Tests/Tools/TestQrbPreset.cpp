@@ -33,7 +33,7 @@ std::string bytesOf(const product::CPresetFile& file)
 
 class QrbPreset : public testing::Test {
 protected:
-    QrbPreset() : m_module({qrb::productResources(), {}}, m_error)
+    QrbPreset() : m_module(product::CDataFiles{{qrb::productResources()}, {}}, m_error)
     {
         EXPECT_TRUE(m_module.isEntered() && m_params.load(m_error)) << m_error;
     }
