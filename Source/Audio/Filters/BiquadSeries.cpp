@@ -16,9 +16,10 @@ constexpr std::size_t kLanes = 2;
 using Lanes = double __attribute__((vector_size(16), may_alias));
 using Loose = double __attribute__((vector_size(16), may_alias, aligned(8)));
 
-[[gnu::always_inline]] inline Lanes loadLanes(const double* at)
+template <class Get>
+[[gnu::always_inline]] inline Lanes lanesOf(Get get)
 {
-    return *reinterpret_cast<const Loose*>(at);
+    return Lanes{get(0), get(1)};
 }
 [[gnu::always_inline]] inline void storeLanes(Lanes word, double* at)
 {

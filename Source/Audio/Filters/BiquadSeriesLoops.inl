@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Included in a namespace of its own for each width, which has declared:
 //   kLanes, Lanes           doubles in a word, and the word
-//   loadLanes(at)           a word from kLanes doubles in a row
-//   storeLanes(word, at)    the way back
+//   lanesOf(get)            a word of what `get` gives for each place in it
+//   storeLanes(word, at)    its doubles in a row
 //   LineLoops<Lines>        for each number of lines:
 //     enter(in, n, word)    sample n of each line, then the first sections' doubles of the word
 //     follow(before, word)  the last sections' doubles of the word before, then the first sections' of the word
@@ -42,12 +42,10 @@ struct CSeries {
     template <class Get>
     [[gnu::always_inline]] static inline Lanes gatherWord(std::size_t at, Get get)
     {
-        double numbers[kLanes];
-        for (std::size_t lane = 0; lane < kLanes; ++lane) {
+        return lanesOf([=](std::size_t lane) __attribute__((always_inline)) {
             const std::size_t place = at * kUsed + lane;
-            numbers[lane] = lane < kUsed && place < Sections * Lines ? get(place) : 0.0;
-        }
-        return loadLanes(numbers);
+            return lane < kUsed && place < Sections * Lines ? get(place) : 0.0;
+        });
     }
     template <std::size_t At = 0>
     [[gnu::always_inline]] inline void load(CBiquadState* const* states, const double* last)

@@ -17,9 +17,10 @@ namespace quads {
 constexpr std::size_t kLanes = 4;
 using Lanes = __m256d;
 
-[[gnu::always_inline]] inline Lanes loadLanes(const double* at)
+template <class Get>
+[[gnu::always_inline]] inline Lanes lanesOf(Get get)
 {
-    return _mm256_loadu_pd(at);
+    return Lanes{get(0), get(1), get(2), get(3)};
 }
 [[gnu::always_inline]] inline void storeLanes(Lanes word, double* at)
 {
@@ -84,9 +85,10 @@ struct Lanes {
     [[gnu::always_inline]] friend inline Lanes operator*(Lanes a, Lanes b) { return {a.low * b.low, a.high * b.high}; }
 };
 
-[[gnu::always_inline]] inline Lanes loadLanes(const double* at)
+template <class Get>
+[[gnu::always_inline]] inline Lanes lanesOf(Get get)
 {
-    return {quads::loadLanes(at), quads::loadLanes(at + 4)};
+    return {quads::lanesOf(get), quads::lanesOf([=](std::size_t lane) { return get(lane + quads::kLanes); })};
 }
 [[gnu::always_inline]] inline void storeLanes(Lanes word, double* at)
 {

@@ -152,7 +152,7 @@ void CModFilterIIRModule::processTogether(std::span<CAudioModule* const> modules
     };
     for (CAudioModule* const module : modules) {
         auto& mate = static_cast<CModFilterIIRModule&>(*module);
-        if (!mate.canRunWith(*this) || mate.isThinned()) {
+        if (!mate.canRunWith(*this)) { // which no half-bands can, the only ones that leave samples out
             mate.process();
             continue;
         }
@@ -178,7 +178,7 @@ void CModFilterIIRModule::process()
     bool isStuffed = true;
     for (int i = 0; i < outputCount(); ++i)
         isStuffed = isStuffed && line(0, i)->buffer.form() == ESampleForm::stuffed;
-    const bool isHalf = !isStuffed && isThinned();
+    const bool isHalf = !isStuffed && m_bank.hasHalfBands() && isThinned();
     for (int i = 0; i < outputCount(); ++i) {
         const auto place = static_cast<std::size_t>(i);
         const CSampleBuffer& buffer = line(0, i)->buffer;
