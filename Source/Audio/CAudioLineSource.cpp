@@ -107,7 +107,7 @@ void CAudioLineSource::setRoutes(std::span<const CAudioLineRoute> routes, CAudio
         while (end < routes.size() && routes[end].index == static_cast<int>(line)) {
             ++end;
         }
-        m_routeEnds.append(end);
+        m_routeEnds.append(static_cast<std::uint16_t>(end));
     }
 }
 

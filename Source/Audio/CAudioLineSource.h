@@ -6,6 +6,7 @@
 #include "Audio/CAudioLineSink.h"
 #include "Core/CArray.h"
 
+#include <cstdint>
 #include <memory>
 #include <span>
 
@@ -60,7 +61,7 @@ private:
     CArray<CAudioLineInfo> m_lines;
     CArray<std::unique_ptr<CAudioProcessConnection>> m_connections;
     CArray<CAudioLineRoute> m_routes;
-    CArray<std::size_t> m_routeEnds; ///< behind the last route of each line
+    CArray<std::uint16_t, 8> m_routeEnds; ///< behind the last route of each line
     CAudioGraphChanges* m_changes = nullptr;
     bool m_isStuffing = false;
 };

@@ -71,9 +71,10 @@ public:
     /// Gives the reference up.
     void clear() noexcept
     {
-        if (m_header != nullptr) {
-            releaseReference();
+        if (m_header != nullptr && --m_header->references == 0) {
+            giveBack();
         }
+        m_header = nullptr;
     }
 
     [[nodiscard]] explicit operator bool() const noexcept { return m_header != nullptr; }
@@ -114,7 +115,7 @@ private:
     {
         return m_header == nullptr ? nullptr : reinterpret_cast<double*>(m_header + 1) + m_offset;
     }
-    void releaseReference() noexcept;
+    void giveBack() noexcept;
 
     CSampleBufferHeader* m_header = nullptr;
     int m_offset = 0; ///< samples in front of the first one

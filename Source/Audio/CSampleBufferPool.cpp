@@ -27,12 +27,9 @@ int binOf(std::size_t bytes)
 
 } // namespace
 
-void CSampleBuffer::releaseReference() noexcept
+void CSampleBuffer::giveBack() noexcept
 {
-    if (--m_header->references == 0) {
-        m_header->pool->release(m_header);
-    }
-    m_header = nullptr;
+    m_header->pool->release(m_header);
 }
 
 CSampleBufferPool::~CSampleBufferPool()
