@@ -11,15 +11,14 @@ namespace qrb {
 
 namespace {
 
-/// Long pieces waste the begin and the end of a block, where only one of the nodes runs; short ones cost calls.
-constexpr int kLongestPiece = 64;
-constexpr int kLeastPieces = 2;
+/// Longer pieces waste the begin and the end of a block, where only one of the nodes runs; shorter ones cost calls.
+constexpr int kLongestPiece = 128;
 
 } // namespace
 
 CAudioPieces::CAudioPieces(std::span<CAudioProcessBase* const> nodes, int length) : m_length(length)
 {
-    const int count = std::max((length + kLongestPiece - 1) / kLongestPiece, kLeastPieces);
+    const int count = (length + kLongestPiece - 1) / kLongestPiece;
     m_pieceLength = (length + count - 1) / count;
     m_pieceCount = (length + m_pieceLength - 1) / m_pieceLength;
     for (CAudioProcessBase* const base : nodes) {

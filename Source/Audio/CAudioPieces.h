@@ -18,7 +18,7 @@ class CAudioProcessTerminalBase;
 class CAudioPieces {
 public:
     /// Samples from which cutting pays.
-    static constexpr int kShortestBlock = 32;
+    static constexpr int kShortestBlock = 256;
 
     /// `nodes` are terminals, none of them fading; `length` is that of the block.
     CAudioPieces(std::span<CAudioProcessBase* const> nodes, int length);

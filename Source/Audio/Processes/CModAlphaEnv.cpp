@@ -57,8 +57,10 @@ bool CModAlphaEnvModule::canOverlap(const CAudioModule& waiting) const
     // Two lines wait for themselves so long that two more fit in between.
     constexpr int kMostLines = 2;
     const auto* const other = dynamic_cast<const CModAlphaEnvModule*>(&waiting);
-    return other != nullptr && widestVectors() == EVectorWidth::quads && outputCount() <= kMostLines &&
-           other->outputCount() <= kMostLines && m_settings.isFeedback && loopOf(0) == other->loopOf(0);
+    if (other == nullptr || widestVectors() != EVectorWidth::quads || outputCount() > kMostLines ||
+        other->outputCount() > kMostLines)
+        return false;
+    return m_settings.isFeedback ? loopOf(0) == other->loopOf(0) : !other->m_settings.isFeedback;
 }
 
 void CModAlphaEnvModule::process()
@@ -75,6 +77,10 @@ void CModAlphaEnvModule::processTogether(std::span<CAudioModule* const> modules)
         for (int i = 0; i < mate.outputCount(); ++i)
             used |= 1u << static_cast<unsigned>(mate.loopOf(i));
     }
+    const bool hasFeedback = used >> static_cast<unsigned>(EFollowerLoop::levelFeedback) != 0;
+    const bool isMixed = (used & (used - 1)) != 0 && !hasFeedback && widestVectors() == EVectorWidth::quads;
+    if (isMixed)
+        used = 1u << static_cast<unsigned>(EFollowerLoop::mixed);
     for (std::size_t loop = 0; loop < kFollowerLoops; ++loop) {
         if ((used >> loop & 1u) == 0)
             continue;
@@ -84,9 +90,10 @@ void CModAlphaEnvModule::processTogether(std::span<CAudioModule* const> modules)
         for (CAudioModule* const module : modules) {
             auto& mate = static_cast<CModAlphaEnvModule&>(*module);
             for (int i = 0; i < mate.outputCount(); ++i) {
-                if (mate.loopOf(i) == static_cast<EFollowerLoop>(loop)) {
+                const EFollowerLoop own = mate.loopOf(i);
+                if (isMixed || own == static_cast<EFollowerLoop>(loop)) {
                     batch.add({&mate.m_follower, &mate.m_states[static_cast<std::size_t>(i)], mate.input(0, i),
-                               mate.input(1, i), mate.writeOutput(i)});
+                               mate.input(1, i), mate.writeOutput(i), own != EFollowerLoop::level});
                 }
             }
         }

@@ -54,12 +54,13 @@ struct CFollowerLine {
     const double* in = nullptr;
     const double* opening = nullptr; ///< only read by loops that hold
     double* out = nullptr;           ///< may be an input
+    bool isGain = false;             ///< only read by EFollowerLoop::mixed; the line then holds if it has an opening
 };
 
 /// The forms of the loop. One that holds follows a gain, and its first stage rises only while the second input is at or
-/// above it; otherwise it keeps its value.
-enum class EFollowerLoop { level, gain, holdingGain, levelFeedback, gainFeedback, holdingGainFeedback };
-constexpr std::size_t kFollowerLoops = 6;
+/// above it; otherwise it keeps its value. Lines of several forms without feedback can run in one `mixed` loop.
+enum class EFollowerLoop { level, gain, holdingGain, levelFeedback, gainFeedback, holdingGainFeedback, mixed };
+constexpr std::size_t kFollowerLoops = 7;
 [[nodiscard]] EFollowerLoop followerLoop(const CFollowerSettings& settings, bool isHolding);
 
 /// Runs any number of lines side by side, since each waits for its own last sample most of the time. The result does not
@@ -69,7 +70,7 @@ void runFollowers(EFollowerLoop loop, std::span<const CFollowerLine> lines, std:
 
 using FFollowerKernel = void (*)(const CFollowerLine* lines, std::size_t count);
 
-/// Loops on four and on eight lines at once, in the order of the others; only where the processor has the vectors.
+/// Loops in the order of the others, only where the processor has the vectors.
 [[nodiscard]] CWideKernels<FFollowerKernel> wideFollowerKernels();
 
 } // namespace qrb

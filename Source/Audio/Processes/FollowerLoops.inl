@@ -5,6 +5,9 @@
 /// Keeps a division by silence finite.
 constexpr double kGuard = 1e-15;
 
+/// What the lines follow: all of them levels, or gains, or each what it says.
+enum class ESense { level, gain, each };
+
 /// Followers of the lines, number by number.
 struct CLaneFollower {
     explicit CLaneFollower(const CFollowerLine* lines)
@@ -28,22 +31,35 @@ struct CLaneFollower {
         minRate = take(&CFollower::minRate);
         norm = take(&CFollower::norm);
         last = lanesOf([=](std::size_t i) { return lines[i].state->last; });
+        sense = lanesOf([=](std::size_t i) { return lines[i].isGain ? 1.0 : -1.0; });
     }
 
     Lanes attack[CFollower::kStages];
     Lanes release[CFollower::kStages];
     Lanes weights[CFollower::kStages];
     Lanes states[CFollower::kStages];
-    Lanes attackOffset, attackScale, releaseOffset, releaseScale, minRate, norm, last;
+    Lanes attackOffset, attackScale, releaseOffset, releaseScale, minRate, norm, last, sense;
 };
+
+/// Whether a step towards `in` is one of the attack.
+template <ESense kSense>
+[[gnu::always_inline]] inline auto isAttacking(const CLaneFollower& c, Lanes in, Lanes s)
+{
+    if constexpr (kSense == ESense::level)
+        return in >= s;
+    else if constexpr (kSense == ESense::gain)
+        return s >= in;
+    else
+        return c.sense * s >= c.sense * in;
+}
 
 /// The state after a stage's step towards `in`. What the step is scaled by is kept short of the division, which takes
 /// most of the time that the next sample waits for.
-template <bool kIsInverse, bool kIsHolding>
+template <ESense kSense, bool kIsHolding>
 [[gnu::always_inline]] inline Lanes stepStage(const CLaneFollower& c, std::size_t stage, Lanes in, Lanes s,
                                               Lanes opening)
 {
-    const auto isAttack = kIsInverse ? s >= in : in >= s;
+    const auto isAttack = isAttacking<kSense>(c, in, s);
     const Lanes upper = largerOf(in, s);
     const Lanes lower = smallerOf(in, s);
     const Lanes guarded = select(isAttack, upper + kGuard, upper);
@@ -82,6 +98,12 @@ template <bool kIsHolding>
     return lanesOf([=](std::size_t i) { return (lines[i].*samples)[at]; });
 }
 
+/// The same where some lines have none: they are always open.
+[[gnu::always_inline]] inline Lanes loadOpenings(const CFollowerLine* lines, std::size_t at)
+{
+    return lanesOf([=](std::size_t i) { return lines[i].opening == nullptr ? __builtin_inf() : lines[i].opening[at]; });
+}
+
 [[gnu::always_inline]] inline void storeSamples(const CFollowerLine* lines, std::size_t at, Lanes y)
 {
     eachLane(y, [=](std::size_t i, double sample) { lines[i].out[at] = sample; });
@@ -99,7 +121,7 @@ inline void storeStates(const CFollowerLine* lines, Lanes s1, Lanes s2, Lanes s3
 /// Each stage runs one sample behind the stage before it, so that the four steps of a turn wait for nothing but the turn
 /// before; sample after sample, the processor would not look far enough ahead to overlap them. The sum of the stages
 /// travels along with its sample.
-template <bool kIsInverse, bool kIsHolding>
+template <ESense kSense, bool kIsHolding>
 void follow(const CFollowerLine* lines, std::size_t count)
 {
     constexpr std::size_t kLag = CFollower::kStages - 1;
@@ -119,24 +141,25 @@ void follow(const CFollowerLine* lines, std::size_t count)
         // At the edges of the block only the stages that have a sample of it.
         const auto has = [t, count](std::size_t lag) { return !kIsEdge || (t >= lag && t - lag < count); };
         if (has(3)) {
-            s4 = stepStage<kIsInverse, false>(c, 3, s3, s4, s3);
+            s4 = stepStage<kSense, false>(c, 3, s3, s4, s3);
             y = (sum3 + s4) * c.norm;
             storeSamples(lines, t - 3, y);
         }
         if (has(2)) {
-            s3 = stepStage<kIsInverse, false>(c, 2, s2, s3, s2);
+            s3 = stepStage<kSense, false>(c, 2, s2, s3, s2);
             sum3 = sum2 + s3 * c.weights[2];
         }
         if (has(1)) {
-            s2 = stepStage<kIsInverse, false>(c, 1, s1, s2, s1);
+            s2 = stepStage<kSense, false>(c, 1, s1, s2, s1);
             sum2 = sum1 + s2 * c.weights[1];
         }
         if (has(0)) {
             const Lanes x = loadSamples(lines, &CFollowerLine::in, t);
             Lanes opening = x;
             if constexpr (kIsHolding)
-                opening = loadSamples(lines, &CFollowerLine::opening, t);
-            s1 = stepStage<kIsInverse, kIsHolding>(c, 0, x, s1, opening);
+                opening = kSense == ESense::each ? loadOpenings(lines, t)
+                                                 : loadSamples(lines, &CFollowerLine::opening, t);
+            s1 = stepStage<kSense, kIsHolding>(c, 0, x, s1, opening);
             sum1 = s1 * c.weights[0];
         }
     };
@@ -165,7 +188,7 @@ void followFeedback(const CFollowerLine* lines, std::size_t count)
         if constexpr (kIsInverse)
             return stepLate<false>(c, stage, in, s, in);
         else
-            return stepStage<false, false>(c, stage, in, s, in);
+            return stepStage<ESense::level, false>(c, stage, in, s, in);
     };
     for (std::size_t i = 0; i < count; ++i) {
         const Lanes last = y;
@@ -185,6 +208,11 @@ void followFeedback(const CFollowerLine* lines, std::size_t count)
 }
 
 constexpr FFollowerKernel kKernels[] = {
-    follow<false, false>,         follow<true, false>,         follow<true, true>,
-    followFeedback<false, false>, followFeedback<true, false>, followFeedback<true, true>,
+    follow<ESense::level, false>,
+    follow<ESense::gain, false>,
+    follow<ESense::gain, true>,
+    followFeedback<false, false>,
+    followFeedback<true, false>,
+    followFeedback<true, true>,
+    follow<ESense::each, true>,
 };

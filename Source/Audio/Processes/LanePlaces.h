@@ -9,14 +9,16 @@
 
 namespace qrb {
 
-/// The forms of a loop that runs four, and eight, lines side by side.
+/// The forms of a loop that runs two, four, six and eight lines side by side, for the wider processor.
 template <typename TKernel>
 struct CWideKernels {
+    std::span<const TKernel> pairs;
     std::span<const TKernel> quads;
+    std::span<const TKernel> sextets;
     std::span<const TKernel> octets;
 };
 
-/// Runs form `form` of a loop on any number of lines, with places for two, four or eight of them at a time. Places left
+/// Runs form `form` of a loop on any number of lines, with places for two, four, six or eight of them at a time. Places left
 /// over take the last line once more, which does the same twice. `wideKernels()` is asked only where the processor has
 /// the vectors.
 template <typename T, typename TKernel>
@@ -27,11 +29,11 @@ void runInPlaces(std::span<const T> lines, EVectorWidth width, std::span<const T
     while (!lines.empty()) {
         TKernel kernel = pairs[form];
         std::size_t taken = std::min<std::size_t>(lines.size(), 2);
-        // Two lines in more places than they need would only wait longer for divisions and roots.
-        if (width == EVectorWidth::quads && lines.size() > 2) {
-            const bool isTwofold = lines.size() > 4;
-            taken = std::min<std::size_t>(lines.size(), isTwofold ? kMost : 4);
-            kernel = (isTwofold ? wideKernels().octets : wideKernels().quads)[form];
+        // Lines in more places than they need would only wait longer for divisions and roots.
+        if (width == EVectorWidth::quads) {
+            const CWideKernels<TKernel> wide = wideKernels();
+            taken = std::min(lines.size(), kMost);
+            kernel = (taken > 6 ? wide.octets : taken > 4 ? wide.sextets : taken > 2 ? wide.quads : wide.pairs)[form];
         }
         T places[kMost];
         for (std::size_t i = 0; i < kMost; ++i)

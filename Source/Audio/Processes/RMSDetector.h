@@ -29,7 +29,7 @@ void detectRMS(bool isTwoPole, std::span<const CRMSLine> lines, std::size_t coun
 
 using FRMSKernel = void (*)(const CRMSLine* lines, std::size_t count);
 
-/// Loops on four and on eight lines at once, in the order of the others; only where the processor has the vectors.
+/// Loops in the order of the others, only where the processor has the vectors.
 [[nodiscard]] CWideKernels<FRMSKernel> wideRMSKernels();
 
 } // namespace qrb

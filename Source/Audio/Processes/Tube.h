@@ -86,7 +86,7 @@ void runTubes(ETubeLoop loop, std::span<const CTubeLine> lines, std::size_t coun
 
 using FTubeKernel = void (*)(const CTubeLine* lines, std::size_t count);
 
-/// Loops on four and on eight lines at once, in the order of the others; only where the processor has the vectors.
+/// Loops in the order of the others, only where the processor has the vectors.
 [[nodiscard]] CWideKernels<FTubeKernel> wideTubeKernels();
 
 } // namespace qrb

@@ -20,9 +20,31 @@ namespace quads {
 
 } // namespace quads
 
+namespace pairs {
+
+#include "Audio/Processes/LanePairs.inl"
+
+#include "Audio/Processes/TubeLoops.inl"
+
+} // namespace pairs
+
+namespace sextets {
+
+namespace first = quads;
+namespace second = pairs;
+
+#include "Audio/Processes/LaneTwins.inl"
+
+#include "Audio/Processes/TubeLoops.inl"
+
+} // namespace sextets
+
 namespace octets {
 
-#include "Audio/Processes/LaneOctets.inl"
+namespace first = quads;
+namespace second = quads;
+
+#include "Audio/Processes/LaneTwins.inl"
 
 #include "Audio/Processes/TubeLoops.inl"
 
@@ -34,7 +56,7 @@ namespace octets {
 
 CWideKernels<FTubeKernel> wideTubeKernels()
 {
-    return {quads::kKernels, octets::kKernels};
+    return {pairs::kKernels, quads::kKernels, sextets::kKernels, octets::kKernels};
 }
 
 } // namespace qrb

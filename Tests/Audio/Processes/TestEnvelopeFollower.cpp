@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 #include <random>
@@ -217,13 +218,17 @@ TEST(EnvelopeFollower, LinesSideBySideAtAnyWidthGiveTheBitsOfEachAlone)
         CFollowerState rests[kLines];
         CSignal in[kLines];
         CSignal opening[kLines];
+        const auto ownLoop = [loop](std::size_t line) {
+            return static_cast<EFollowerLoop>(loop == static_cast<std::size_t>(EFollowerLoop::mixed) ? line % 3 : loop);
+        };
         for (unsigned i = 0; i < kLines; ++i) {
+            const EFollowerLoop own = ownLoop(i);
             const CFollowerSettings settings{0.001 * (i + 1),
                                              0.03,
                                              EFollowerMode::slow,
                                              EFollowerMode::normal,
-                                             loop != 0 && loop != 3,
-                                             loop >= 3,
+                                             own != EFollowerLoop::level && own != EFollowerLoop::levelFeedback,
+                                             own >= EFollowerLoop::levelFeedback,
                                              0.2,
                                              0.1 * i};
             followers[i] = makeFollower(settings, 44100.0);
@@ -239,15 +244,22 @@ TEST(EnvelopeFollower, LinesSideBySideAtAnyWidthGiveTheBitsOfEachAlone)
             CSignal out[kLines];
             for (CSignal& samples : out)
                 samples.resize(500);
-            for (const auto& [start, count] :
-                 {std::pair<std::size_t, std::size_t>{0, 1}, {1, 0}, {1, 332}, {333, 167}}) {
+            using CCut = std::array<std::size_t, 3>; // start, length, lines in the first of two runs
+            for (const auto& [start, count, split] :
+                 {CCut{0, 1, 7}, CCut{1, 0, 2}, CCut{1, 332, 5}, CCut{333, 167, 3}}) {
                 CFollowerLine lines[kLines];
-                for (std::size_t i = 0; i < kLines; ++i)
-                    lines[i] = {&followers[i], &states[i], &in[i][start], &opening[i][start], &out[i][start]};
-                runFollowers(static_cast<EFollowerLoop>(loop), lines, count, width);
+                for (std::size_t i = 0; i < kLines; ++i) {
+                    const bool isOpen =
+                        static_cast<std::size_t>(ownLoop(i)) != loop && ownLoop(i) < EFollowerLoop::holdingGain;
+                    lines[i] = {&followers[i],  &states[i],
+                                &in[i][start],  isOpen ? nullptr : &opening[i][start],
+                                &out[i][start], ownLoop(i) != EFollowerLoop::level};
+                }
+                runFollowers(static_cast<EFollowerLoop>(loop), {lines, split}, count, width);
+                runFollowers(static_cast<EFollowerLoop>(loop), {lines + split, kLines - split}, count, width);
             }
             for (std::size_t i = 0; i < kLines; ++i)
-                EXPECT_EQ(out[i], runAlone(followers[i], static_cast<EFollowerLoop>(loop), rests[i], in[i], opening[i]))
+                EXPECT_EQ(out[i], runAlone(followers[i], ownLoop(i), rests[i], in[i], opening[i]))
                     << "loop " << loop << " line " << i;
         }
     }

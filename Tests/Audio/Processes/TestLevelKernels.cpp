@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <complex>
 #include <numbers>
@@ -34,19 +35,22 @@ TEST(RMSDetector, RisesAsItsPolesSayAndContinuesAcrossCutsAtAnyWidth)
     for (const EVectorWidth width : {EVectorWidth::pairs, EVectorWidth::quads}) {
         if (!hasVectorWidth(width))
             continue;
-        CSignal levels[2][3]; // of one and of two poles; three lines reach the widest loop
+        constexpr std::size_t kLines = 7;
+        CSignal levels[2][kLines]; // of one and of two poles
         for (int poles = 0; poles < 2; ++poles) {
-            CRMSState states[3];
+            CRMSState states[kLines];
             for (CSignal& level : levels[poles])
                 level.assign(500, -2.0);
-            for (const auto& [start, count] : {std::pair<std::size_t, std::size_t>{0, 1}, {1, 332}, {333, 167}}) {
-                CRMSLine lines[3];
-                for (std::size_t i = 0; i < 3; ++i)
+            using CCut = std::array<std::size_t, 3>; // start, length, lines in the first of two runs
+            for (const auto& [start, count, split] : {CCut{0, 1, 7}, CCut{1, 332, 5}, CCut{333, 167, 3}}) {
+                CRMSLine lines[kLines];
+                for (std::size_t i = 0; i < kLines; ++i)
                     lines[i] = {c, &states[i], &levels[poles][i][start], &levels[poles][i][start]};
-                detectRMS(poles == 1, lines, count, width);
+                detectRMS(poles == 1, {lines, split}, count, width);
+                detectRMS(poles == 1, {lines + split, kLines - split}, count, width);
             }
         }
-        for (std::size_t line = 0; line < 3; ++line)
+        for (std::size_t line = 0; line < kLines; ++line)
             for (std::size_t i = 0; i < 500; ++i) {
                 const auto n = static_cast<double>(i + 1);
                 const double rest = std::pow(1.0 - c, n);

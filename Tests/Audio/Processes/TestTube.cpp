@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 #include <random>
@@ -257,11 +258,13 @@ TEST(Tube, LinesSideBySideAtAnyWidthGiveTheBitsOfEachAlone)
             CSignal out[kLines];
             for (CSignal& samples : out)
                 samples.resize(500);
-            for (const auto& [start, count] : {std::pair<std::size_t, std::size_t>{0, 1}, {1, 332}, {333, 167}}) {
+            using CCut = std::array<std::size_t, 3>; // start, length, lines in the first of two runs
+            for (const auto& [start, count, split] : {CCut{0, 1, 7}, CCut{1, 332, 5}, CCut{333, 167, 3}}) {
                 CTubeLine lines[kLines];
                 for (std::size_t i = 0; i < kLines; ++i)
                     lines[i] = {&tubes[i], &states[i], &in[i][start], &out[i][start]};
-                runTubes(loop, lines, count, width);
+                runTubes(loop, {lines, split}, count, width);
+                runTubes(loop, {lines + split, kLines - split}, count, width);
             }
             for (std::size_t i = 0; i < kLines; ++i) {
                 CTubeState state = rests[i];
