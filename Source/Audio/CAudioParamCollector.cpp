@@ -20,7 +20,11 @@ void CAudioParamCollector::declare(CObjectClassInfo& info)
 }
 
 CAudioParamCollector::CAudioParamCollector() = default;
-CAudioParamCollector::~CAudioParamCollector() = default;
+CAudioParamCollector::~CAudioParamCollector()
+{
+    m_wakeHook = nullptr; // its owner may be half gone
+    m_filters.clear();    // filters leave their parameters, under the lock
+}
 
 CErrorPtr CAudioParamCollector::initChilds()
 {

@@ -91,7 +91,28 @@ void CAudioParamFilter::run(const CAudioParamFilterRun& run)
         return;
     m_isRunning = true;
     update(m_sources.span(), m_destinations.span(), run);
+    if (run.record.isTemplate())
+        updateFurtherGroups(run);
     m_isRunning = false;
+}
+
+void CAudioParamFilter::updateFurtherGroups(const CAudioParamFilterRun& run)
+{
+    std::int32_t groupCount = 0;
+    for (const CAudioParam* const destination : m_destinations)
+        groupCount = std::max(groupCount, destination->editStorage(run.guard).groupCount());
+    for (std::int32_t group = 1; group < groupCount; ++group) {
+        CAudioParamUpdate record = run.record;
+        record.group = group;
+        record.firstElement = 0;
+        record.elementCount = 0;
+        record.isToEnd = false;
+        for (const CAudioParam* const destination : m_destinations)
+            record.elementCount =
+                std::max(record.elementCount, destination->editStorage(run.guard).elementCount(group));
+        if (record.elementCount > 0)
+            update(m_sources.span(), m_destinations.span(), {record, run.guard, run.route});
+    }
 }
 
 void CAudioParamFilter::update(CParamSpan sources, CParamSpan destinations, const CAudioParamFilterRun& run)

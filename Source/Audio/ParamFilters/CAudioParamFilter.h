@@ -31,7 +31,8 @@ public:
     CAudioParamFilter() = default;
     CAudioParamFilter(const CAudioParamFilter&) = delete;
     CAudioParamFilter& operator=(const CAudioParamFilter&) = delete;
-    /// Leaves its sources.
+    /// Leaves its sources. Parameters run filters with their lock held, so nothing runs in a filter that is half gone as
+    /// long as its derived classes have nothing to destroy.
     ~CAudioParamFilter() override;
 
     /// Finds the parameters, relative to the process, joins its sources and runs for all that they hold. The collector
@@ -60,6 +61,8 @@ protected:
 
 private:
     [[nodiscard]] bool canRun(const CAudioParamGuard& guard) const;
+    /// What the other groups have may stand on the default elements that have just changed.
+    void updateFurtherGroups(const CAudioParamFilterRun& run);
 
     CAudioParamCollector* m_collector = nullptr;
     CParams m_sources;

@@ -102,6 +102,23 @@ TEST_F(TestCAudioParamFilter, RunsForAllThatIsThereWhenItJoinsAndForEachElementT
     EXPECT_EQ(param("low").value(7, 1), 0.125); // a group that nobody has written yet
 }
 
+TEST_F(TestCAudioParamFilter, NewDefaultsOfOneSourceReachAllGroupsThatStandOnThem)
+{
+    for (const char* const name : {"threshold", "slope", "knee", "attack", "release", "gain"})
+        param(name);
+    setGroup("slope", 1, {0.5});
+    setGroup("attack", 1, {0.001});
+    EXPECT_EQ(add("<audio:param-filter-acomp name='f' src='threshold,slope,knee,attack,release' dst='gain'/>"), "");
+    CAudioParam& threshold = param("threshold");
+    setGroup("threshold", 1, {});
+    const double before = group("gain", 1).at(0);
+    threshold.update(AudioParamRecord(threshold.info()->format, kAudioParamTemplateGroup, 0, {-40.0}, true).update);
+    const double after = group("gain", 1).at(0);
+    EXPECT_NE(after, before);
+    setGroup("threshold", 1, {-40.0});
+    EXPECT_EQ(group("gain", 1).at(0), after);
+}
+
 TEST_F(TestCAudioParamFilter, WaitsUntilAllItsParametersHaveNumbers)
 {
     ASSERT_EQ(add(kRatio), "");
