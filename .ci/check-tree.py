@@ -24,6 +24,13 @@ STANDARD = set("""algorithm array atomic bit cassert cctype cerrno cfenv cfloat 
     random ratio set shared_mutex span sstream string string_view system_error thread tuple type_traits typeinfo
     unordered_map unordered_set utility variant vector version immintrin.h emmintrin.h xmmintrin.h pmmintrin.h
     smmintrin.h""".split())
+CLIENTS = [  # who talks to the engine by messages only: what of the engine's floor their headers lead to, however far off
+    ("Tools/Monitor/Client/", re.compile(
+        r"Source/Audio/(Interface/(CAudioInterfaceClient|CParamInterfaceClient\w*|CParamInterface(Param|Registry)Listener"
+        r"|CGroupNamesParamListener|CParamInterfaceIds)"
+        r"|Viz/(CVizExchange|CVizListener|CAudioVizData\w*|CAudioInterfaceViz(Processor|Requests))"
+        r"|CAudioParam(Info|Format|Storage|Data|DataItem|Update|Converter)|Presets/CAudioPreset)\.h")),
+]
 FOREIGN = {  # floor: what it alone may include besides the standard library
     0: re.compile(r"(fftw3|pthread|unistd|fcntl|dlfcn|link|pwd|sched|time|errno|poll|signal)\.h|sys/\w+\.h|linux/\w+\.h"),
     1: re.compile(r"(zlib|liblzf/lzf)\.h"),
@@ -72,6 +79,21 @@ def rings(graph):
     return found
 
 
+def beyond_messages(graph):
+    for prefix, allowed in CLIENTS:
+        for user in [path for path in graph if path.startswith(prefix)]:
+            reached, left = set(), [user]
+            while left:
+                for target in graph.get(left.pop(), ()):
+                    if target not in reached:
+                        reached.add(target)
+                        left.append(target)
+            for target in sorted(reached):
+                known = target.startswith(prefix) or floor_of(target) < 2 or allowed.fullmatch(target)
+                if not known:
+                    yield f"{user}: leads to {target}, which clients of the engine do not know"
+
+
 def main():
     sys.setrecursionlimit(10000)
     problems, graph = [], {}
@@ -99,6 +121,7 @@ def main():
             if target_floor is not None and target_floor > floor:
                 problems.append(f"{path}: floor {floor} includes {target} of floor {target_floor}")
     problems += [f"ring of includes: {ring}" for ring in rings(graph)]
+    problems += beyond_messages(graph)
 
     for path in tracked("*.md"):
         with open(path, encoding="utf-8") as file:

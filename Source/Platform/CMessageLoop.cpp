@@ -197,6 +197,11 @@ void CMessageLoop::stopTimerOfThread(TimerId id)
         loop->stopTimer(id);
 }
 
+double CMessageLoop::now() const
+{
+    return m_state->clock();
+}
+
 void CMessageLoop::armTimer()
 {
     if (m_state->setupError != 0)

@@ -45,6 +45,9 @@ public:
     /// Stops the timer on whichever loop of the calling thread has it; unknown numbers are ignored.
     static void stopTimerOfThread(TimerId id);
 
+    /// Seconds by the clock that its timers are measured by.
+    [[nodiscard]] double now() const;
+
     /// Waits for messages and timers and runs them until `quit`.
     void run();
     /// Makes `run` return after the current turn; if none runs, the next one returns after its first turn.

@@ -6,6 +6,7 @@
 #include "Core/CMemoryReaderStatic.h"
 #include "Core/CObjectClassInfo.h"
 #include "Core/CTimer.h"
+#include "Platform/CMessageLoop.h"
 #include "Platform/Clock.h"
 
 #include <algorithm>
@@ -79,7 +80,9 @@ CErrorPtr CVizExchange::setFps(const CObjectAttr& value)
 
 CErrorPtr CVizExchange::onTick()
 {
-    tick(platform::clockSeconds());
+    // By the clock of the ticks, which says how many of them there are in a second.
+    const platform::CMessageLoop* const loop = platform::CMessageLoop::current();
+    tick(loop != nullptr ? loop->now() : platform::clockSeconds());
     return {};
 }
 

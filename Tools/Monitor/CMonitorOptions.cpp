@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Tools/Monitor/CMonitorOptions.h"
+
+#include "Tools/Monitor/Client/CMonitor.h"
+#include "Tools/Render/CArgReader.h"
+
+namespace monitor {
+
+namespace {
+
+constexpr int kMaxFrames = 10'000'000;
+constexpr double kMaxFps = 100.0;
+
+/// A number from `min` to `max` behind an option.
+template <class T>
+bool takeNumber(render::CArgReader& args, const std::string& option, T min, T max, const char* range, T& out,
+                std::string& error)
+{
+    std::string text;
+    if (!args.takeValue(option, text))
+        return false;
+    if (render::parseWhole(text, out) && out >= min && out <= max)
+        return true;
+    error = "'" + text + "' is no number from " + range + " (option '" + option + "')";
+    return false;
+}
+
+bool takeOption(const std::string& option, render::CArgReader& args, CMonitorOptions& out, std::string& error)
+{
+    if (const render::EOption taken = render::takeHostOption(option, args, out, error);
+        taken != render::EOption::unknown)
+        return taken == render::EOption::taken;
+    if (option == "--frames")
+        return takeNumber(args, option, 1, kMaxFrames, "1 to 10000000", out.frames.emplace(), error);
+    if (option == "--fps")
+        return takeNumber(args, option, 1.0, kMaxFps, "1 to 100", out.fps, error);
+    if (option == "--keys")
+        return args.takeValue(option, out.keys);
+    if (option == "--once")
+        out.isPlayedOnce = true;
+    else if (option == "--help" || option == "-h")
+        out.isHelpWanted = true;
+    else {
+        error = "unknown option '" + option + "'";
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+std::optional<CMonitorOptions> parseOptions(const std::vector<std::string>& words, std::string& error)
+{
+    CMonitorOptions options;
+    std::vector<std::string> files;
+    render::CArgReader args(words, error);
+    bool onlyFiles = false;
+    while (!args.atEnd()) {
+        const std::string& word = args.take();
+        if (!onlyFiles && word == "--")
+            onlyFiles = true;
+        else if (onlyFiles || word.size() < 2 || word[0] != '-')
+            files.push_back(word);
+        else if (!takeOption(word, args, options, error))
+            return std::nullopt;
+        if (options.isHelpWanted)
+            return options;
+    }
+    if (files.size() != 1)
+        error = files.empty() ? "a file to play is needed" : "too many files: '" + files[1] + "'";
+    else if (!options.keys.empty() && !options.frames)
+        error = "--keys needs --frames; a terminal has keys of its own";
+    else {
+        options.inFile = files[0];
+        return options;
+    }
+    return std::nullopt;
+}
+
+std::string helpText()
+{
+    return R"(Plays an audio file through a plug-in instance and watches it from outside, as an editor does: meters, gain reduction,
+spectrum, settings, history. Nothing is heard; the file is played over and over at the pace of its sample rate.
+
+    thumpcraft-monitor [options] FILE
+
+  --fps N                                    pictures a second (default 20)
+  --once                                     end with the file
+  --frames N                                 no terminal: N pictures as plain lines, as fast as they can be had
+  --keys TEXT                                keys to press then, one a picture; "." lets one pass
+  --preset NAME                              start from this built-in preset, or from this one of --bank
+  --bank FILE                                a bank or list of presets; without --preset its first one is used
+  --preset-file FILE                         start from this preset, of the whole or of a panel; repeatable
+  --set PATH[:GROUP[:ELEMENT]]=TEXT          a parameter's value, PATH below plugin.modMain; repeatable
+  --at SECONDS PATH[:GROUP[:ELEMENT]]=TEXT   the same as an event at that time of the first round; repeatable
+  --sidechain FILE                           key signal, behind the main channels
+  --block N                                  samples a block (default 512)
+  --double                                   64-bit host buffers (default 32-bit)
+  --help                                     this text
+
+Keys; arrows do as well for settings, and Ctrl-C for the end:
+
+)" + std::string(CMonitor::keyHelp()) +
+           R"(
+Bars are mean levels, with the held peak as a mark: "band" what goes into each band, "out" the output, "ratio" output to
+input, "gate" and "comp" the gain they make, the compressor's against its own long-term mean. Numbers are dB. Of a line
+"2/3" is channel 2, band 3.
+With --frames time is the audio's, so that the same command prints the same lines; keys work from the next picture on.
+FILE is anything libsndfile reads, with 1 to 8 channels.
+Exit status: 0 done, 2 something was wrong (one line on stderr tells what). A signal ends it after the terminal is as before.
+)";
+}
+
+} // namespace monitor
