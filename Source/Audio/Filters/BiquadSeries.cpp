@@ -79,7 +79,8 @@ bool runBiquadSeries(const CBiquadSeriesKernels& kernels, EFilterKind shape, CBi
     if (run == nullptr)
         return false;
     double margin[kMaxLines][kMaxSections];
-    double last[kMaxSections * kMaxLines] = {};
+    double last[kMaxSections * kMaxLines];
+    std::fill_n(last, sectionCount * lineCount, 0.0);
     double* samples[kMaxLines];
     const double* from[kMaxLines];
     // Each section starts as many samples ahead as there are sections behind it.

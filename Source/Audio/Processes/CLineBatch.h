@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <array>
 #include <cstddef>
+#include <new>
 #include <span>
+#include <type_traits>
 
 namespace qrb {
 
@@ -19,21 +20,24 @@ public:
 
     void add(const T& line)
     {
-        if (m_count == m_lines.size())
+        if (m_count == kRoom)
             flush();
-        m_lines[m_count++] = line;
+        ::new (static_cast<void*>(m_room + m_count++ * sizeof(T))) T(line);
     }
 
 private:
+    static constexpr std::size_t kRoom = 16;
+    static_assert(std::is_trivially_copyable_v<T>);
+
     void flush()
     {
         if (m_count > 0)
-            m_run(std::span<const T>(m_lines.data(), m_count));
+            m_run(std::span<const T>(std::launder(reinterpret_cast<const T*>(m_room)), m_count));
         m_count = 0;
     }
 
     F m_run;
-    std::array<T, 16> m_lines;
+    alignas(T) std::byte m_room[kRoom * sizeof(T)]; ///< bytes, since nobody needs them cleared in each block
     std::size_t m_count = 0;
 };
 

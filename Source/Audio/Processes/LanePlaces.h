@@ -28,17 +28,25 @@ void runInPlaces(std::span<const T> lines, EVectorWidth width, std::span<const T
     constexpr std::size_t kMost = 8;
     while (!lines.empty()) {
         TKernel kernel = pairs[form];
-        std::size_t taken = std::min<std::size_t>(lines.size(), 2);
+        std::size_t placeCount = 2;
         // Lines in more places than they need would only wait longer for divisions and roots.
         if (width == EVectorWidth::quads) {
             const CWideKernels<TKernel> wide = wideKernels();
-            taken = std::min(lines.size(), kMost);
-            kernel = (taken > 6 ? wide.octets : taken > 4 ? wide.sextets : taken > 2 ? wide.quads : wide.pairs)[form];
+            placeCount = std::min((lines.size() + 1) / 2 * 2, kMost);
+            kernel = (placeCount == kMost ? wide.octets
+                      : placeCount == 6   ? wide.sextets
+                      : placeCount == 4   ? wide.quads
+                                          : wide.pairs)[form];
         }
-        T places[kMost];
-        for (std::size_t i = 0; i < kMost; ++i)
-            places[i] = lines[std::min(i, taken - 1)];
-        kernel(places, count);
+        const std::size_t taken = std::min(lines.size(), placeCount);
+        if (taken == placeCount) {
+            kernel(lines.data(), count);
+        } else {
+            T places[kMost];
+            for (std::size_t i = 0; i < placeCount; ++i)
+                places[i] = lines[std::min(i, taken - 1)];
+            kernel(places, count);
+        }
         lines = lines.subspan(taken);
     }
 }
