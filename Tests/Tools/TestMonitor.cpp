@@ -248,13 +248,18 @@ TEST(TestMonitorScreen, APictureFitsTheTerminal)
     monitor::CScreen screen;
     for (const int columns : {1, 20, 31, 60, 80, 200})
         for (const int rows : {1, 24, 100}) {
-            std::istringstream text(screen.paint(picture, columns, rows));
+            const std::string text = screen.paint(picture, columns, rows);
             int count = 0;
-            for (std::string line; std::getline(text, line); ++count)
-                EXPECT_LE(widthOf(line), static_cast<std::size_t>(columns)) << columns << ": " << line;
+            std::size_t begin = 0;
+            for (std::size_t end; (end = text.find("\x1b[K", begin)) != std::string::npos; begin = end + 3, ++count)
+                EXPECT_LE(widthOf(text.substr(begin, end - begin)), static_cast<std::size_t>(columns)) << columns;
+            EXPECT_GT(count, 0);
             EXPECT_LE(count, rows);
         }
     EXPECT_NE(screen.paint(picture, 80, 50).find("> \xC3\xA4"), std::string::npos) << "the present is in sight";
+    EXPECT_EQ(screen.paint(picture, 80, 50), "") << "nothing new";
+    picture.meters.clear();
+    EXPECT_NE(screen.paint(picture, 80, 50).find("\x1b[J"), std::string::npos) << "fewer lines";
 }
 
 /// The tool itself on a terminal of its own. What ends it: a key, or a signal.
@@ -295,12 +300,21 @@ TEST_F(TestMonitor, TheTerminalIsAsBeforeHoweverItEnds)
         readUntil(" out 2 ");
         tcgetattr(child, &during);
         EXPECT_EQ(during.c_lflag & (ECHO | ICANON), 0u);
+        kill(process, SIGTSTP);
+        int status = 0;
+        EXPECT_EQ(waitpid(process, &status, WUNTRACED), process);
+        EXPECT_TRUE(WIFSTOPPED(status));
+        tcgetattr(child, &after);
+        EXPECT_EQ(after.c_lflag, before.c_lflag) << "while it is stopped";
+        kill(process, SIGCONT);
+        readUntil("\x1b[?1049l");
+        shown.clear();
+        readUntil(" out 2 ");
         if (end.signal != 0)
             kill(process, end.signal);
         else
             EXPECT_EQ(write(terminal, end.keys, 1), 1);
         readUntil("\x1b[?1049l");
-        int status = 0;
         EXPECT_EQ(waitpid(process, &status, 0), process);
         EXPECT_EQ(WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status), end.status);
         tcgetattr(child, &after);

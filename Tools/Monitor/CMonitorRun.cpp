@@ -9,10 +9,12 @@
 #include "Tools/Monitor/Client/PlainLines.h"
 #include "Tools/Monitor/Client/PrintableText.h"
 
+#include <cerrno>
 #include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 
 namespace monitor {
 
@@ -173,17 +175,22 @@ void CMonitorRun::watchTerminal()
     CMonitor monitor(tree);
     CScreen screen;
     bool isPictureDue = true;
-    if (loop.startTimer(1.0 / m_options.fps, [&isPictureDue] { isPictureDue = true; }) == 0)
+    if (loop.startTimer(1.0 / m_options.fps, [&isPictureDue] { isPictureDue = true; }) == 0) {
+        m_clientError = std::string("no timer for the pictures: ") + std::strerror(errno);
         return;
+    }
     std::string keys;
     for (int frame = 1; !m_isEnding && terminal.waitForKeys(loop.fileDescriptor(), kKeySeconds, keys);) {
-        if (m_isSuspendWanted.exchange(false))
-            terminal.suspend();
+        bool isSuspending = m_isSuspendWanted.exchange(false);
         for (const char key : keys) {
             if (key == CTerminal::kSuspendKey)
-                terminal.suspend();
+                isSuspending = true;
             else if (key == CTerminal::kBreakKey || !monitor.press(key))
                 return;
+        }
+        if (isSuspending) {
+            terminal.suspend();
+            screen = CScreen();
         }
         runDue(loop);
         if (!isPictureDue && keys.empty())

@@ -137,7 +137,7 @@ void CTerminal::leave()
 void CTerminal::suspend()
 {
     leave();
-    kill(getpid(), SIGSTOP);
+    raise(SIGSTOP); // to this thread, so that nothing behind it is done before
     std::string error;
     static_cast<void>(enter(error)); // a terminal that is gone shows at the next look for keys
 }

@@ -3,9 +3,9 @@
 
 #include "Audio/Viz/CVizListener.h"
 
-#include <compare>
 #include <map>
 #include <string>
+#include <tuple>
 
 namespace qrb {
 class CVizExchange;
@@ -24,7 +24,10 @@ public:
         int group = 0;
         int channel = 0;
         int band = 0;
-        auto operator<=>(const CLine&) const = default;
+        bool operator<(const CLine& other) const
+        {
+            return std::tie(group, channel, band) < std::tie(other.group, other.channel, other.band);
+        }
     };
     /// Linear factors.
     struct CLevel {

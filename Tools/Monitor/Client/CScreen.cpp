@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <utility>
 
 namespace monitor {
 
@@ -188,11 +189,28 @@ std::string CScreen::paint(const CPicture& picture, int columns, int rows)
         addLine(" " + help.substr(begin, end - begin), kFaint);
         begin = end + 1;
     }
-    std::string text = "\x1b[H";
-    const int count = std::min(static_cast<int>(m_lines.size()), rows);
-    for (int row = 0; row < count; ++row)
-        text += m_lines[static_cast<std::size_t>(row)] + "\x1b[K" + (row + 1 < count ? "\r\n" : "");
-    return text + "\x1b[J";
+    const std::size_t count = std::min(m_lines.size(), static_cast<std::size_t>(rows));
+    m_lines.resize(count);
+    std::string text;
+    if (columns != m_shownColumns || rows != m_shownRows) {
+        text = "\x1b[2J";
+        m_shown.clear();
+    }
+    const auto goTo = [&text](std::size_t row) { text += "\x1b[" + std::to_string(row + 1) + ";1H"; };
+    for (std::size_t row = 0; row < count; ++row) {
+        if (row < m_shown.size() && m_shown[row] == m_lines[row])
+            continue;
+        goTo(row);
+        text += m_lines[row] + "\x1b[K";
+    }
+    if (count < m_shown.size()) {
+        goTo(count);
+        text += "\x1b[J";
+    }
+    m_shown = std::move(m_lines);
+    m_shownColumns = columns;
+    m_shownRows = rows;
+    return text;
 }
 
 } // namespace monitor

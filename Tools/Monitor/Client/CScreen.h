@@ -11,7 +11,7 @@ namespace monitor {
 /// Lays a picture out for a terminal of whatever size.
 class CScreen {
 public:
-    /// Sequences that paint the picture over the last one.
+    /// Sequences that make the picture of the last one; of the first, on an empty screen.
     [[nodiscard]] std::string paint(const CPicture& picture, int columns, int rows);
 
 private:
@@ -24,6 +24,9 @@ private:
 
     int m_columns = 0;
     std::vector<std::string> m_lines;
+    std::vector<std::string> m_shown; ///< lines of the last picture
+    int m_shownColumns = 0;
+    int m_shownRows = 0;
 };
 
 } // namespace monitor
