@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/CAudioParamCollector.h"
+#include "Tests/Product/CPresetRig.h"
 #include "Tests/Product/CProductRig.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
 #include <numbers>
+#include <random>
 
 namespace {
 
@@ -92,6 +94,59 @@ TEST(TestDerivedParams, TheCodersWorkAsSoonAsTwoChannelsArePaired)
     EXPECT_EQ(valueOf(rig, "mid-side-bypass"), 0.0);
     EXPECT_EQ(valueOf(rig, "oversampling-bypass"), 1.0);
     EXPECT_EQ(valueOf(rig, "group-solo-bypass"), 1.0);
+}
+
+TEST(TestDerivedParams, FollowPresetsProgramsStatesResetsAndTheHistory)
+{
+    const std::vector<std::string> sources = {
+        "io-params.ms-pairs",   "io-params.channel-group-solo", "oversampling",        kGroup + "xo-freq",
+        kGroup + "xo-count",    kGroup + "comp-threshold",      kGroup + "comp-ratio", kGroup + "comp-attack",
+        kGroup + "comp-release"};
+    const std::vector<std::string> results = {
+        "mid-side-bypass",         "oversampling-bypass",    "group-solo-bypass",
+        kGroup + "xo-freq-sorted", kGroup + "xo-band-count", kGroup + "comp-ratio0",
+        kGroup + "comp-inverse0",  kGroup + "comp-inverse1", kGroup + "compgain"};
+    std::mt19937 random(21);
+    CPresetRig rig;
+    CPresetRig hand; // gets the same sources, one after the other
+    qrb::CAudioParamRegistry& master = rig.master();
+    std::vector<std::uint8_t> saved = rig.saveState();
+    qrb::CAudioPreset noted = master.capture(-1);
+    const auto below = [&random](std::uint32_t end) { return static_cast<int>(random() % end); };
+    for (int step = 0; step < 400 && !HasFailure(); ++step) {
+        const int kind = below(9);
+        if (kind == 0)
+            rig.randomize(random);
+        else if (kind == 1)
+            EXPECT_FALSE(master.setCurrentProgram(below(CPresetRig::kPrograms), nullptr));
+        else if (kind == 2)
+            EXPECT_FALSE(master.activatePreset(noted, nullptr, below(4) - 1));
+        else if (kind == 3)
+            noted = master.capture(-1);
+        else if (kind == 4)
+            EXPECT_EQ(rig.loadState(saved), "");
+        else if (kind == 5)
+            saved = rig.saveState();
+        else if (kind == 6)
+            master.masterReset();
+        else if (kind == 7)
+            rig.undo().setPosition(below(4));
+        else
+            rig.param(sources[random() % sources.size()]).resetValues(-1, -1);
+        {
+            const qrb::CAudioParamGuard guard(rig.params());
+            for (const std::string& path : sources) {
+                const qrb::CAudioParamStorage& values = rig.param(path).editStorage(guard);
+                for (int g = 0; g < (values.format().isSingleGroup ? 1 : 8); ++g)
+                    hand.param(path).update(values.wholeGroup(g, g));
+            }
+        }
+        const CPlainState seen = rig.state(results);
+        EXPECT_EQ(seen, hand.state(results)) << step << " " << kind;
+        rig.params().flushQueue();
+        for (const std::string& path : results)
+            EXPECT_EQ(trimmed(CPresetRig::groupsOf(rig.param(path).audioStorage())), seen.at(path)) << step << path;
+    }
 }
 
 } // namespace

@@ -92,16 +92,16 @@ void CAudioParamFilter::run(const CAudioParamFilterRun& run)
     m_isRunning = true;
     update(m_sources.span(), m_destinations.span(), run);
     if (run.record.isTemplate())
-        updateFurtherGroups(run);
+        updateDependents(run);
     m_isRunning = false;
 }
 
-void CAudioParamFilter::updateFurtherGroups(const CAudioParamFilterRun& run)
+void CAudioParamFilter::updateDependents(const CAudioParamFilterRun& run)
 {
     std::int32_t groupCount = 0;
     for (const CAudioParam* const destination : m_destinations)
         groupCount = std::max(groupCount, destination->editStorage(run.guard).groupCount());
-    for (std::int32_t group = 1; group < groupCount; ++group) {
+    for (std::int32_t group = run.record.isToEnd ? 1 : 0; group < groupCount; ++group) {
         CAudioParamUpdate record = run.record;
         record.group = group;
         record.firstElement = 0;

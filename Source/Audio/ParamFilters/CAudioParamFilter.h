@@ -61,8 +61,9 @@ protected:
 
 private:
     [[nodiscard]] bool canRun(const CAudioParamGuard& guard) const;
-    /// What the other groups have may stand on the default elements that have just changed.
-    void updateFurtherGroups(const CAudioParamFilterRun& run);
+    /// What groups have may stand on the default elements that have just changed, in the first group too where the record
+    /// does not say all of it.
+    void updateDependents(const CAudioParamFilterRun& run);
 
     CAudioParamCollector* m_collector = nullptr;
     CParams m_sources;

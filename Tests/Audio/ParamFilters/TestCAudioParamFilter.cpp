@@ -2,12 +2,14 @@
 #include "Audio/ParamFilters/CAudioParamFilter.h"
 
 #include "Audio/CAudioParamUpdateList.h"
-#include "Audio/ParamFilters/CAudioParamFilterDef.h"
+#include "Audio/ParamFilters/CAudioParamFilterRatio.h"
 #include "Tests/Audio/AudioParamWorld.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <random>
 
 namespace qrb {
 namespace {
@@ -102,23 +104,6 @@ TEST_F(TestCAudioParamFilter, RunsForAllThatIsThereWhenItJoinsAndForEachElementT
     EXPECT_EQ(param("low").value(7, 1), 0.125); // a group that nobody has written yet
 }
 
-TEST_F(TestCAudioParamFilter, NewDefaultsOfOneSourceReachAllGroupsThatStandOnThem)
-{
-    for (const char* const name : {"threshold", "slope", "knee", "attack", "release", "gain"})
-        param(name);
-    setGroup("slope", 1, {0.5});
-    setGroup("attack", 1, {0.001});
-    EXPECT_EQ(add("<audio:param-filter-acomp name='f' src='threshold,slope,knee,attack,release' dst='gain'/>"), "");
-    CAudioParam& threshold = param("threshold");
-    setGroup("threshold", 1, {});
-    const double before = group("gain", 1).at(0);
-    threshold.update(AudioParamRecord(threshold.info()->format, kAudioParamTemplateGroup, 0, {-40.0}, true).update);
-    const double after = group("gain", 1).at(0);
-    EXPECT_NE(after, before);
-    setGroup("threshold", 1, {-40.0});
-    EXPECT_EQ(group("gain", 1).at(0), after);
-}
-
 TEST_F(TestCAudioParamFilter, WaitsUntilAllItsParametersHaveNumbers)
 {
     ASSERT_EQ(add(kRatio), "");
@@ -152,8 +137,29 @@ TEST_F(TestCAudioParamFilter, FollowsResetsAndLoadsDownTheSameRoad)
     EXPECT_EQ(param("low").audioStorage().value(0, 0), 1.0);
 
     setGroup("list", 0, {8.0});
-    param("list").resetValues(0, -1);
+    m_world.collector.flushQueue();
+    param("list").resetPlace({}, nullptr, {.deferredList = &list});
     EXPECT_EQ(group("low"), (Numbers{1.0, 0.5, 1.0 / 3.0}));
+    m_world.collector.flushQueue();
+    EXPECT_EQ(param("low").audioStorage().value(0, 0), 0.125);
+    m_world.collector.splice(list);
+    m_world.collector.flushQueue();
+    EXPECT_EQ(param("low").audioStorage().value(0, 0), 1.0);
+}
+
+TEST_F(TestCAudioParamFilter, AFilterThatGoesLeavesItsSources)
+{
+    for (const char* const name : {"list", "low", "up", "down"})
+        param(name);
+    {
+        const CString sources[] = {"list", "list"};
+        const CString destinations[] = {"low", "up", "down"};
+        CAudioParamFilterRatio filter;
+        ASSERT_FALSE(filter.init({}, m_world.collector, sources, destinations));
+        setGroup("list", 0, {5.0});
+    }
+    setGroup("list", 0, {2.0});
+    EXPECT_EQ(group("low"), (Numbers{0.2}));
 }
 
 TEST_F(TestCAudioParamFilter, ChainsRunThroughAndCirclesEnd)
@@ -204,6 +210,10 @@ TEST_F(TestCAudioParamFilter, SplitsAreSortedAndCounted)
     setGroup("freq", 1, {20.0, 10.0});
     setGroup("count", 1, {2.0});
     EXPECT_EQ(group("sorted", 1), (Numbers{10.0, 20.0}));
+    setGroup("count", kAudioParamTemplateGroup, {2.0});
+    EXPECT_EQ(group("sorted"), (Numbers{500.0, 1000.0}));
+    EXPECT_EQ(param("sorted").value(5, 1), 1000.0); // a group that nobody has written yet
+    EXPECT_EQ(param("bands").value(5), 3.0);
 }
 
 TEST_F(TestCAudioParamFilter, BypassesTellWhetherAnybodyNeedsTheNode)
@@ -230,6 +240,11 @@ TEST_F(TestCAudioParamFilter, BypassesTellWhetherAnybodyNeedsTheNode)
     setGroup("mode", 1, {1.0});
     EXPECT_EQ(group("os"), (Numbers{0.0}));
 
+    setGroup("mode", kAudioParamTemplateGroup, {1.0});
+    EXPECT_EQ(param("os").value(5), 1.0);
+    setGroup("pairs", kAudioParamTemplateGroup, {3.0, 3.0});
+    EXPECT_EQ(param("ms").value(5), 0.0);
+
     for (std::int32_t i = 0; i < 2; ++i)
         setGroup("solo", i, {0.0});
     EXPECT_EQ(group("so"), (Numbers{1.0}));
@@ -237,13 +252,17 @@ TEST_F(TestCAudioParamFilter, BypassesTellWhetherAnybodyNeedsTheNode)
     EXPECT_EQ(group("so"), (Numbers{0.0}));
     setGroup("solo", 3, {});
     EXPECT_EQ(group("so"), (Numbers{1.0}));
+    setGroup("solo", kAudioParamTemplateGroup, {1.0});
+    EXPECT_EQ(group("so"), (Numbers{0.0}));
+    EXPECT_EQ(group("so", 1), (Numbers{4.0})); // one value for all groups
 }
 
 /// The make-up gain from the geometry of the arc, found by bisection instead of in closed form.
 double slowMakeUp(double threshold, double ratio, double knee, double attack, double release)
 {
     const bool isExpander = ratio > 1.0;
-    const double slope = std::max(isExpander ? 1.0 / ratio : ratio, 0.0) - 1.0;
+    // Neither without an arc nor falling.
+    const double slope = std::clamp(isExpander ? 1.0 / ratio : ratio, 0.0, 0.9999) - 1.0;
     // The circle touches the level line at -knee / 2, with its centre below there, and the slope line from below.
     const double touch = -0.5 * knee;
     double low = 0.0;
@@ -295,6 +314,73 @@ TEST_F(TestCAudioParamFilter, TheMakeUpGainIsThatOfTheCurvesGeometry)
               "");
     param("enable").setElement(0, 1, 0.0);
     EXPECT_EQ(param("gain").value(0, 1), 1.0);
+}
+
+TEST_F(TestCAudioParamFilter, NothingStaysBehindThroughRandomChangesResetsLoadsAndNewDefaults)
+{
+    static constexpr std::array kSources = {"threshold", "ratio", "knee", "attack", "release", "count"};
+    static constexpr std::array kScales = {-60.0, 4.0, 12.0, 0.08, 0.3, 3.4};
+    for (const char* const name : kSources)
+        param(name);
+    for (const char* const name : {"gain", "low", "up", "down", "sorted", "bands"})
+        param(name);
+    ASSERT_EQ(add("<audio:param-filter-acomp name='f' src='threshold,ratio,knee,attack,release' dst='gain'/>"
+                  "<audio:param-filter-ratio name='g' src='gain' dst='low,up,down'/>"
+                  "<audio:param-filter-freqsort name='h' src='attack,count' dst='sorted,bands'/>"),
+              "");
+    std::mt19937 random(5);
+    const auto below = [&random](std::uint32_t end) { return static_cast<std::int32_t>(random() % end); };
+    std::array<std::vector<std::uint8_t>, kSources.size()> saved;
+    const auto change = [&](std::size_t which) {
+        CAudioParam& target = param(kSources[which]);
+        Numbers values(1 + random() % 3);
+        for (double& value : values)
+            value = kScales[which] * static_cast<double>(random()) / 4294967296.0;
+        switch (below(6)) {
+        case 0:
+            target.setElement(below(4), below(4), values[0]);
+            break;
+        case 1:
+            setGroup(kSources[which], below(4), values);
+            break;
+        case 2:
+            target.resetValues(below(5) - 1, below(4) - 1);
+            break;
+        case 3:
+            saved[which] = bytesOf(target, -1);
+            break;
+        case 4:
+            if (!saved[which].empty()) {
+                EXPECT_FALSE(target.load(saved[which], {.group = below(5) - 1}));
+            }
+            break;
+        default:
+            target.update(
+                AudioParamRecord(target.info()->format, kAudioParamTemplateGroup, 0, values, below(2) == 0).update);
+        }
+    };
+    for (int step = 0; step < 2000 && !HasFailure(); ++step) {
+        change(random() % kSources.size());
+        for (std::int32_t g = 0; g < 4; ++g) {
+            std::size_t count = 0;
+            for (std::size_t i = 0; i < 5; ++i)
+                count = std::max(count, group(kSources[i], g).size());
+            for (std::int32_t e = 0; e < static_cast<std::int32_t>(count); ++e) {
+                const auto read = [&](std::size_t i) { return param(kSources[i]).value(g, e); };
+                const double gain = slowMakeUp(read(0), read(1), read(2), read(3), read(4));
+                EXPECT_NEAR(param("gain").value(g, e), gain, 1e-5 * gain) << step << " " << g << ":" << e;
+                EXPECT_NEAR(param("low").value(g, e), std::min(gain, 1.0 / gain), 1e-5) << step;
+            }
+            if (group("bands", g).empty())
+                continue;
+            Numbers sorted(static_cast<std::size_t>(std::lround(param("count").value(g))));
+            for (std::size_t i = 0; i < sorted.size(); ++i)
+                sorted[i] = param("attack").value(g, static_cast<std::int32_t>(i));
+            std::ranges::sort(sorted);
+            EXPECT_EQ(group("sorted", g), sorted) << step << " " << g;
+            EXPECT_EQ(group("bands", g), (Numbers{static_cast<double>(sorted.size()) + 1.0})) << step << " " << g;
+        }
+    }
 }
 
 } // namespace
