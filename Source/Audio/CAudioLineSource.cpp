@@ -125,18 +125,20 @@ void CAudioLineSource::send(int index, const CSampleBuffer& buffer, int length)
 void CAudioLineSource::sendPlanned(int index, CSampleBuffer&& buffer, int length)
 {
     const auto line = static_cast<std::size_t>(index);
+    const std::size_t begin = line == 0 ? 0 : m_routeEnds[line - 1];
     const std::size_t end = m_routeEnds[line];
-    for (std::size_t i = line == 0 ? 0 : m_routeEnds[line - 1]; i < end; ++i) {
-        const CAudioLineRoute& route = m_routes[i];
-        if (i + 1 < end) {
-            *route.buffer = buffer;
-        } else {
-            *route.buffer = std::move(buffer);
-        }
+    if (begin == end) {
+        buffer.clear();
+        return;
+    }
+    const auto deliver = [length](const CAudioLineRoute& route, CSampleBuffer&& delivered) {
+        *route.buffer = std::move(delivered);
         *route.length = length;
         route.sink->noteBlock(length);
-    }
-    buffer.clear();
+    };
+    for (std::size_t i = begin; i + 1 < end; ++i)
+        deliver(m_routes[i], CSampleBuffer(buffer));
+    deliver(m_routes[end - 1], std::move(buffer));
 }
 
 } // namespace qrb

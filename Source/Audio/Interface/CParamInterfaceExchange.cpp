@@ -5,6 +5,7 @@
 #include "Audio/Interface/CParamInterfaceBaseConnector.h"
 #include "Core/CInputStream.h"
 
+#include <iterator>
 #include <utility>
 
 namespace qrb {
@@ -66,13 +67,12 @@ void CParamInterfaceExchange::send(std::uint32_t clientId, CByteArray&& message)
             queue->append(std::move(message));
         return;
     }
-    for (auto each = m_queues.begin(); each != m_queues.end();) {
-        CParamInterfaceQueue& queue = *each->second;
-        if (++each == m_queues.end())
-            queue.append(std::move(message));
-        else
-            queue.append(CByteArray(message));
-    }
+    if (m_queues.empty())
+        return;
+    const auto last = std::prev(m_queues.end());
+    for (auto each = m_queues.begin(); each != last; ++each)
+        each->second->append(CByteArray(message));
+    last->second->append(std::move(message));
 }
 
 bool CParamInterfaceExchange::takeMessage(std::uint32_t clientId, CByteArray& out)

@@ -145,6 +145,10 @@ protected:
     CCoefficients coefficients(const std::string& name, double frequency, double gain, EFilterKind& id)
     {
         const CAudioFilterStageList list = design(name, kRate, params(frequency, gain, 0.9));
+        if (list.stages().empty()) { // beyond what the rate carries
+            ADD_FAILURE() << name << " " << frequency;
+            return {};
+        }
         id = list.stages()[0].id;
         CCoefficients made(list.stages()[0].b.begin(), list.stages()[0].b.end());
         made.insert(made.end(), list.stages()[0].a.begin(), list.stages()[0].a.end());
@@ -332,7 +336,7 @@ TEST_F(FilterStages, BiquadsThatRunSkewedGiveTheBitsOfStagesAlone)
             EFilterKind id{};
             for (std::size_t place = 0; place < memory.size(); ++place) {
                 const std::size_t line = place % lines;
-                const CCoefficients own = coefficients(name, 200.0 + 150.0 * static_cast<double>(place), 2.0, id);
+                const CCoefficients own = coefficients(name, 200.0 + 60.0 * static_cast<double>(place), 2.0, id);
                 initBiquad(&memory[place], own.data(), kRate);
                 states.push_back(&memory[place]);
                 alone[line] = runStage(id, alone[line], own, {}, kLength);
