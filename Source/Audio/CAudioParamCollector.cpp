@@ -20,10 +20,13 @@ void CAudioParamCollector::declare(CObjectClassInfo& info)
 }
 
 CAudioParamCollector::CAudioParamCollector() = default;
+
 CAudioParamCollector::~CAudioParamCollector()
 {
-    m_wakeHook = nullptr; // its owner may be half gone
-    m_filters.clear();    // filters leave their parameters, under the lock
+    m_hasDeferred.store(true); // the hook is not called any more: its owner may be half gone
+    m_sharedParams.clear();    // other instances reach the hook through these until they are gone
+    m_wakeHook = nullptr;
+    m_filters.clear(); // filters leave their parameters, under the lock
 }
 
 CErrorPtr CAudioParamCollector::initChilds()

@@ -119,5 +119,30 @@ TEST_F(CSharedParamTest, InstancesOnThreadsOfTheirOwnDoNotBlockEachOther)
     EXPECT_EQ(collectors[0]->getParam("one").value(), collectors[1]->getParam("one").value());
 }
 
+TEST_F(CSharedParamTest, AnInstanceMayGoWhileAnotherWritesWhatTheyShare)
+{
+    linked(world.collector, "one");
+    std::atomic<bool> isDone{false};
+    platform::CSystemThread writer;
+    const auto write = [&] {
+        for (int i = 0; !isDone; ++i) {
+            world.collector.getParam("one").setValue(i % 100 / 100.0);
+            world.collector.runDeferred();
+        }
+    };
+    ASSERT_EQ(writer.start("writer", write, platform::EThreadPriority::normal), 0);
+    for (int i = 0; i < 50; ++i) {
+        CObject& instance = world.newInstance();
+        CAudioParamCollector& other = AudioParamWorld::paramsOf(instance);
+        std::atomic<int> wakes{0};
+        other.setWakeHook([&wakes] { ++wakes; });
+        linked(other, "one");
+        other.runDeferred();
+        world.module.releaseRoot(instance);
+    }
+    isDone = true;
+    writer.join();
+}
+
 } // namespace
 } // namespace qrb
