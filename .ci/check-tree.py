@@ -36,7 +36,7 @@ FOREIGN = {  # floor: what it alone may include besides the standard library
     1: re.compile(r"(zlib|liblzf/lzf)\.h"),
     2: re.compile(r"$^"),
     3: re.compile(r"$^"),
-    4: re.compile(r"(pluginterfaces|public\.sdk|base)/.*"),
+    4: re.compile(r"(pluginterfaces|public\.sdk|base)/.*|productResources\.h"),
     5: re.compile(r".*"),
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.M)
