@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 #include <monitorResources.h>
 #include <numbers>
+#include <poll.h>
 #include <productResources.h>
 #include <pty.h>
 #include <sstream>
@@ -20,6 +21,7 @@
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
+#include <utility>
 #include <utmp.h>
 
 namespace {
@@ -27,6 +29,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr double kRate = 48000.0;
+constexpr int kPatience = 60000; // ms without a sign of life
 
 double dB(double factor)
 {
@@ -288,14 +291,22 @@ TEST_F(TestMonitor, TheTerminalIsAsBeforeHoweverItEnds)
             _exit(127);
         }
         std::string shown;
-        const auto readUntil = [&](const char* text) {
+        // Takes what has been shown up to the text; what came with it in one piece is kept for the next question.
+        const auto readUntil = [&](const std::string& text) {
             char bytes[4096];
-            while (shown.find(text) == std::string::npos) {
-                const ssize_t count = read(terminal, bytes, sizeof bytes);
-                if (count <= 0)
-                    return;
+            pollfd watched{terminal, POLLIN, 0};
+            std::size_t place = std::string::npos;
+            while ((place = shown.find(text)) == std::string::npos) {
+                const ssize_t count = poll(&watched, 1, kPatience) > 0 ? read(terminal, bytes, sizeof bytes) : -1;
+                if (count <= 0) {
+                    kill(process, SIGKILL);
+                    return std::exchange(shown, {});
+                }
                 shown.append(bytes, static_cast<std::size_t>(count));
             }
+            const std::string taken = shown.substr(0, place + text.size());
+            shown.erase(0, taken.size());
+            return taken;
         };
         readUntil(" out 2 ");
         tcgetattr(child, &during);
@@ -308,20 +319,19 @@ TEST_F(TestMonitor, TheTerminalIsAsBeforeHoweverItEnds)
         EXPECT_EQ(after.c_lflag, before.c_lflag) << "while it is stopped";
         kill(process, SIGCONT);
         readUntil("\x1b[?1049l");
-        shown.clear();
         readUntil(" out 2 ");
         if (end.signal != 0)
             kill(process, end.signal);
         else
             EXPECT_EQ(write(terminal, end.keys, 1), 1);
-        readUntil("\x1b[?1049l");
+        const std::string farewell = readUntil("\x1b[?1049l");
         EXPECT_EQ(waitpid(process, &status, 0), process);
         EXPECT_EQ(WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status), end.status);
         tcgetattr(child, &after);
         EXPECT_EQ(after.c_lflag, before.c_lflag);
         EXPECT_EQ(after.c_iflag, before.c_iflag);
         EXPECT_EQ(after.c_oflag, before.c_oflag);
-        EXPECT_NE(shown.find("\x1b[?25h"), std::string::npos) << "the cursor is back";
+        EXPECT_NE(farewell.find("\x1b[?25h"), std::string::npos) << "the cursor is back";
         close(terminal);
         close(child);
     }
