@@ -10,6 +10,7 @@
 #include "Core/CWriteSeqBuffer.h"
 
 #include <cmath>
+#include <functional>
 
 namespace fuzz {
 
@@ -59,6 +60,17 @@ void appendHistory(std::string& all, qrb::CAudioParamCollector& params)
     all += std::to_string(position);
 }
 
+void forEachBound(qrb::CAudioParamCollector& params,
+                  const std::function<void(const qrb::CAudioParam&, const qrb::CAudioParamGuard&)>& look)
+{
+    qrb::CArray<qrb::CAudioParam*> list;
+    params.listParams(list);
+    const qrb::CAudioParamGuard guard(params);
+    for (const qrb::CAudioParam* const param : list)
+        if (param->isBound())
+            look(*param, guard);
+}
+
 void requireValid(const qrb::CAudioParamInfo& info, const qrb::CAudioParamStorage& values, EBounds bounds)
 {
     if (info.format.hasItems())
@@ -99,31 +111,21 @@ std::string stateOf(qrb::CAudioParamCollector& params, qrb::CAudioParamRegistry&
     std::string all;
     appendNames(all, master);
     appendHistory(all, params);
-    qrb::CArray<qrb::CAudioParam*> list;
-    params.listParams(list);
-    const qrb::CAudioParamGuard guard(params);
-    for (const qrb::CAudioParam* const param : list) {
-        if (!param->isBound())
-            continue;
-        all += param->path().toUtf8();
-        append(all, savedBytes(param->editStorage(guard)));
-        append(all, savedBytes(param->resetStorage(guard)));
-    }
+    forEachBound(params, [&](const qrb::CAudioParam& param, const qrb::CAudioParamGuard& guard) {
+        all += param.path().toUtf8();
+        append(all, savedBytes(param.editStorage(guard)));
+        append(all, savedBytes(param.resetStorage(guard)));
+    });
     return all;
 }
 
 void requireValidValues(qrb::CAudioParamCollector& params, EBounds bounds)
 {
-    qrb::CArray<qrb::CAudioParam*> list;
-    params.listParams(list);
-    const qrb::CAudioParamGuard guard(params);
-    for (const qrb::CAudioParam* const param : list) {
-        if (!param->isBound())
-            continue;
-        requireValid(*param->info(), param->editStorage(guard), bounds);
-        requireValid(*param->info(), param->resetStorage(guard), bounds);
-        requireValid(*param->info(), param->audioStorage(), bounds);
-    }
+    forEachBound(params, [&](const qrb::CAudioParam& param, const qrb::CAudioParamGuard& guard) {
+        requireValid(*param.info(), param.editStorage(guard), bounds);
+        requireValid(*param.info(), param.resetStorage(guard), bounds);
+        requireValid(*param.info(), param.audioStorage(), bounds);
+    });
 }
 
 CFuzzProduct& CFuzzProduct::instance()

@@ -269,11 +269,6 @@ void CDefaultRouting::writeChannels(const CAudioParamRoute& route) const
     writeNumbers(*m_params.grouping, grouping, route);
 }
 
-bool CDefaultRouting::hasLabel(std::int32_t channel, const CString& label) const
-{
-    return m_params.inChannelNames->text(0, channel) == label;
-}
-
 std::unique_ptr<CAudioParamUndoEntry> CDefaultRouting::importLabels()
 {
     if (m_collector == nullptr)
@@ -287,7 +282,7 @@ std::unique_ptr<CAudioParamUndoEntry> CDefaultRouting::importLabels()
         labels.append(label);
     bool isNew = false;
     for (std::size_t i = 0; i < labels.size(); ++i)
-        isNew = isNew || !hasLabel(static_cast<std::int32_t>(i), labels[i]);
+        isNew = isNew || m_params.inChannelNames->text(0, static_cast<std::int32_t>(i)) != labels[i];
     if (!isNew)
         return nullptr;
     auto entry = std::make_unique<CAudioParamUndoEntry>("Channel label import");

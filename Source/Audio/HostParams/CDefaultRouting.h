@@ -61,7 +61,6 @@ private:
     [[nodiscard]] bool areGroupNamesUntouched() const;
     [[nodiscard]] bool findKeyChannels(CKeyChannels& out) const;
     [[nodiscard]] bool areChannelNamesUntouched() const;
-    [[nodiscard]] bool hasLabel(std::int32_t channel, const CString& label) const;
     void writeNames(const CAudioParamRoute& route) const;
     void writeChannels(const CAudioParamRoute& route) const;
     [[nodiscard]] std::int32_t inputCount() const { return static_cast<std::int32_t>(m_inputLabels.size()); }

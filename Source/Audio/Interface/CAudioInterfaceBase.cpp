@@ -149,12 +149,17 @@ CErrorPtr CAudioInterfaceBase::onRequestVizData()
     return {};
 }
 
-CErrorPtr CAudioInterfaceBase::onRequestExportSlotNames()
+CErrorPtr CAudioInterfaceBase::answerWith(void (CAudioInterfaceBase::*send)(std::uint32_t clientId))
 {
     std::uint32_t clientId = 0;
     QRB_TRY(readClient(clientId));
-    sendSlotNames(clientId);
+    (this->*send)(clientId);
     return {};
+}
+
+CErrorPtr CAudioInterfaceBase::onRequestExportSlotNames()
+{
+    return answerWith(&CAudioInterfaceBase::sendSlotNames);
 }
 
 void CAudioInterfaceBase::CSlotNamesListener::onUpdate(const CUpdateInfo&)
@@ -173,34 +178,22 @@ void CAudioInterfaceBase::sendSlotNames(std::uint32_t clientId)
 
 CErrorPtr CAudioInterfaceBase::onRequestInternalChannelCount()
 {
-    std::uint32_t clientId = 0;
-    QRB_TRY(readClient(clientId));
-    sendInternalChannelCount(clientId);
-    return {};
+    return answerWith(&CAudioInterfaceBase::sendInternalChannelCount);
 }
 
 CErrorPtr CAudioInterfaceBase::onRequestGroupCount()
 {
-    std::uint32_t clientId = 0;
-    QRB_TRY(readClient(clientId));
-    sendGroupCount(clientId);
-    return {};
+    return answerWith(&CAudioInterfaceBase::sendGroupCount);
 }
 
 CErrorPtr CAudioInterfaceBase::onRequestIOChannelCounts()
 {
-    std::uint32_t clientId = 0;
-    QRB_TRY(readClient(clientId));
-    sendIOChannelCounts(clientId);
-    return {};
+    return answerWith(&CAudioInterfaceBase::sendIOChannelCounts);
 }
 
 CErrorPtr CAudioInterfaceBase::onRequestSampleRate()
 {
-    std::uint32_t clientId = 0;
-    QRB_TRY(readClient(clientId));
-    sendSampleRate(clientId);
-    return {};
+    return answerWith(&CAudioInterfaceBase::sendSampleRate);
 }
 
 // Each of these holds the lock until the numbers are sent, so that the last to be sent are the newest.

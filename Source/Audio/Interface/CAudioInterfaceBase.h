@@ -66,6 +66,8 @@ private:
         CString name;
     };
 
+    /// Sends to the client that the message names.
+    [[nodiscard]] CErrorPtr answerWith(void (CAudioInterfaceBase::*send)(std::uint32_t clientId));
     void sendSlotNames(std::uint32_t clientId);
     void sendInternalChannelCount(std::uint32_t clientId);
     void sendGroupCount(std::uint32_t clientId);
