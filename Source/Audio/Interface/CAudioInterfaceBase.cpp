@@ -149,11 +149,11 @@ CErrorPtr CAudioInterfaceBase::onRequestVizData()
     return {};
 }
 
-CErrorPtr CAudioInterfaceBase::answerWith(void (CAudioInterfaceBase::*send)(std::uint32_t clientId))
+CErrorPtr CAudioInterfaceBase::answerWith(void (CAudioInterfaceBase::*answer)(std::uint32_t clientId))
 {
     std::uint32_t clientId = 0;
     QRB_TRY(readClient(clientId));
-    (this->*send)(clientId);
+    (this->*answer)(clientId);
     return {};
 }
 

@@ -67,7 +67,7 @@ private:
     };
 
     /// Sends to the client that the message names.
-    [[nodiscard]] CErrorPtr answerWith(void (CAudioInterfaceBase::*send)(std::uint32_t clientId));
+    [[nodiscard]] CErrorPtr answerWith(void (CAudioInterfaceBase::*answer)(std::uint32_t clientId));
     void sendSlotNames(std::uint32_t clientId);
     void sendInternalChannelCount(std::uint32_t clientId);
     void sendGroupCount(std::uint32_t clientId);
