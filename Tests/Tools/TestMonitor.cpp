@@ -9,6 +9,7 @@
 #include <cmath>
 #include <csignal>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <monitorResources.h>
@@ -282,6 +283,7 @@ TEST_F(TestMonitor, TheTerminalIsAsBeforeHoweverItEnds)
         int terminal = -1;
         int child = -1;
         ASSERT_EQ(openpty(&terminal, &child, nullptr, nullptr, &size), 0);
+        fcntl(terminal, F_SETFD, FD_CLOEXEC); // the tool does not hold its own terminal open
         tcgetattr(child, &before);
         const std::string file = path("in.wav");
         const pid_t process = fork();
