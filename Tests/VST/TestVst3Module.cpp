@@ -1,21 +1,39 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Audio/CAudioWrapper.h"
 #include "Audio/HostParams/CAudioExtParam.h"
-#include "Tests/VST/CVstHost.h"
 #include "Tools/Render/CProductModule.h"
+#include "Tools/Vst3Host/CModuleFile.h"
+#include "Tools/Vst3Host/CVstHost.h"
 
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <pluginterfaces/vst/ivstunits.h>
 #include <random>
 #include <thread>
 
 using namespace Steinberg;
 using namespace Steinberg::Vst;
+using vst3::CChannels;
+using vst3::CPoint;
 
 namespace {
 
 constexpr ParamID kProgramId = 72;
+
+/// The product's module.
+class CModuleFile : public vst3::CModuleFile {
+public:
+    explicit CModuleFile(std::string error = {}) : vst3::CModuleFile(THUMPCRAFT_MODULE, error) { EXPECT_EQ(error, ""); }
+    static bool isLoaded() { return vst3::CModuleFile::isLoaded(THUMPCRAFT_MODULE); }
+};
+
+/// Tells what was refused.
+class CVstHost : public vst3::CVstHost {
+public:
+    using vst3::CVstHost::CVstHost;
+    ~CVstHost() { EXPECT_EQ(failure(), ""); }
+};
 
 CChannels noise(std::size_t channels, std::size_t frames, std::uint32_t seed = 1)
 {
