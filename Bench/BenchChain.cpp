@@ -85,7 +85,7 @@ public:
         m_instance->setSampleRate(kRate);
         m_instance->setInputs({channels, false, false});
         m_instance->setOutputs({channels, false, false});
-        m_instance->routeChannels(channels, {});
+        m_instance->reportChannels(channels, 0);
         m_instance->start();
         for (const std::string& text : settings) {
             const auto setting = render::parseSetting(text, m_error);

@@ -92,7 +92,7 @@ void CPlayer::playBlock(std::uint64_t most)
         m_isDamaged = true;
     m_filePosition += count;
     m_position += count;
-    if (!m_isRepeating && m_filePosition >= length + static_cast<std::uint64_t>(m_host.instance().getLatencySamples()))
+    if (!m_isRepeating && m_filePosition >= length + static_cast<std::uint64_t>(m_host.latency()))
         m_isAtEnd = true;
 }
 

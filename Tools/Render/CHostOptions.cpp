@@ -91,6 +91,8 @@ bool takeKnown(const std::string& option, CArgReader& args, CHostOptions& out, s
         return args.takeFile(option, out.bankFile);
     if (option == "--preset-file")
         return args.takeFile(option, out.presetFiles.emplace_back());
+    if (option == "--state")
+        return args.takeFile(option, out.stateFile);
     if (option == "--block")
         return takeBlockSize(args, option, out.blockSize, error);
     if (option == "--rate")

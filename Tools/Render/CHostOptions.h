@@ -10,7 +10,8 @@ namespace render {
 
 class CArgReader;
 
-/// One parameter value as told on the command line: `PATH[:GROUP[:ELEMENT]]=TEXT`, PATH below plugin.modMain.
+/// One parameter value as told on the command line: `PATH[:GROUP[:ELEMENT]]=TEXT`, PATH below plugin.modMain or the name
+/// that hosts show.
 struct CSetting {
     std::string path;
     int group = 0;
@@ -25,6 +26,7 @@ struct CHostOptions {
     std::string sidechainFile;
     std::optional<std::string> presetName; ///< of the built-in bank, or of the bank's file
     std::string bankFile;
+    std::string stateFile;                ///< a host's, in force before all presets
     std::vector<std::string> presetFiles; ///< in the order given
     std::vector<CSetting> sets;           ///< in the order given
     std::vector<CSetting> events;         ///< in the order given

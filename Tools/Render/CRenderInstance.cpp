@@ -4,6 +4,9 @@
 #include "Audio/CAudioParam.h"
 #include "Audio/CAudioParamCollector.h"
 #include "Audio/CAudioParamConverter.h"
+#include "Audio/HostParams/CAudioExtParam.h"
+#include "Audio/HostParams/SpeakerNames.h"
+#include "Tools/Render/Speakers.h"
 
 #include <algorithm>
 
@@ -31,19 +34,17 @@ std::string shownElements(const qrb::CAudioParamInfo& info, const qrb::CAudioPar
     return all;
 }
 
-bool names(const CSetting& setting, const char* path)
-{
-    return setting.path == path;
-}
-
 } // namespace
 
 bool CRenderInstance::onExtParamEvent(const qrb::CExternalEvent& event)
 {
+    const std::size_t hostCount = extParams().size();
     const auto index = static_cast<std::size_t>(event.index);
-    if (event.index < 0 || index >= m_targets.size())
+    if (event.index < 0 || index < hostCount)
+        return CAudioWrapper::onExtParamEvent(event);
+    if (index - hostCount >= m_targets.size())
         return true;
-    const CTarget& target = m_targets[index];
+    const CTarget& target = m_targets[index - hostCount];
     return target.param->trySetElement(target.group, target.element, event.value, this);
 }
 
@@ -89,8 +90,39 @@ bool CRenderInstance::resolve(const CSetting& setting, CTarget& out, std::string
     return true;
 }
 
+qrb::CAudioExtParam* CRenderInstance::findHostParam(const CSetting& setting)
+{
+    if (setting.group != 0 || setting.element != 0)
+        return nullptr;
+    const qrb::CString name = qrb::CString::fromUtf8(setting.path);
+    const std::span<qrb::CAudioExtParam* const> params = extParams();
+    const auto found =
+        std::find_if(params.begin(), params.end(), [&](const auto* param) { return param->getName() == name; });
+    return found != params.end() ? *found : nullptr;
+}
+
+bool CRenderInstance::readNormal(const CSetting& setting, const qrb::CAudioExtParam& param, double& out,
+                                 std::string& error)
+{
+    const qrb::CString text = qrb::CString::fromUtf8(setting.text);
+    const qrb::CAudioParamInfo& info = *param.param().info();
+    bool isRead = false;
+    static_cast<void>(info.components[0].converter->parseValue(info, 0, text, &isRead));
+    out = param.parseNormal(text);
+    if (!isRead)
+        error = "'" + setting.text + "' is no value of '" + setting.path + "'";
+    return isRead;
+}
+
 bool CRenderInstance::apply(const CSetting& setting, std::string& error)
 {
+    if (qrb::CAudioExtParam* const hostParam = findHostParam(setting)) {
+        double normal = 0.0;
+        if (!readNormal(setting, *hostParam, normal, error))
+            return false;
+        hostParam->setNormal(normal);
+        return true;
+    }
     qrb::CAudioParam* param = findParam(setting, error);
     if (param == nullptr)
         return false;
@@ -108,33 +140,40 @@ bool CRenderInstance::apply(const CSetting& setting, std::string& error)
 int CRenderInstance::addTarget(const CTarget& target)
 {
     m_targets.push_back(target);
-    return static_cast<int>(m_targets.size()) - 1;
+    return static_cast<int>(extParams().size() + m_targets.size()) - 1;
 }
 
-void CRenderInstance::routeChannels(int channelCount, const std::vector<CSetting>& settings)
+bool CRenderInstance::resolveEvent(const CSetting& setting, int& index, double& value, std::string& error)
 {
-    for (const char* path : {"io-params.in-routing", "io-params.out-routing"}) {
-        const auto isTold = [&](const CSetting& setting) { return names(setting, path); };
-        qrb::CAudioParam* param = paramCollector().findParam(qrb::CString(kPrefix) + path);
-        if (param == nullptr || std::any_of(settings.begin(), settings.end(), isTold))
-            continue;
-        for (int channel = 0; channel < std::min(channelCount, project().internalChannelCount); ++channel)
-            param->setElement(0, channel, channel + 1.0, this);
+    if (const qrb::CAudioExtParam* const hostParam = findHostParam(setting)) {
+        index = hostParam->index();
+        return readNormal(setting, *hostParam, value, error);
     }
+    CTarget target;
+    if (!resolve(setting, target, error))
+        return false;
+    index = addTarget(target);
+    value = target.value;
+    return true;
 }
 
-std::vector<CRenderInstance::CParamText> CRenderInstance::listParams()
+void CRenderInstance::reportChannels(int channelCount, int keyCount)
+{
+    reportLayout(qrb::speakerNames(speakersOf(channelCount)), qrb::speakerNames(speakersOf(keyCount)));
+}
+
+std::vector<CFilePlayer::CParamText> CRenderInstance::listParams()
 {
     qrb::CArray<qrb::CAudioParam*> params;
     paramCollector().listParams(params);
     const qrb::CAudioParamGuard guard(paramCollector());
-    std::vector<CParamText> list;
+    std::vector<CFilePlayer::CParamText> list;
     for (const qrb::CAudioParam* param : params) {
         if (!param->isBound() || !param->path().startsWith(kPrefix))
             continue;
         const qrb::CAudioParamInfo& info = *param->info();
         const qrb::CAudioParamStorage& values = param->editStorage(guard);
-        CParamText text;
+        CFilePlayer::CParamText text;
         text.path = param->path().toUtf8().substr(std::string(kPrefix).size());
         text.groups = values.groupCount();
         text.elements = values.elementCount(0);

@@ -2,21 +2,22 @@
 #pragma once
 
 #include "Audio/CAudioWrapper.h"
-#include "Tools/Render/CHostOptions.h"
+#include "Tools/Render/CFilePlayer.h"
 
 #include <string>
 #include <vector>
 
 namespace qrb {
+class CAudioExtParam;
 class CAudioParam;
-}
+} // namespace qrb
 
 namespace render {
 
-/// A plug-in instance whose events address parameters by what the command line named.
+/// A plug-in instance whose settings and events name parameters by path, or by the name that hosts show.
 class CRenderInstance : public qrb::CAudioWrapper {
 public:
-    /// What an event of the index of this record sets.
+    /// What an event sets that does not go to a host parameter.
     struct CTarget {
         qrb::CAudioParam* param = nullptr;
         int group = 0;
@@ -32,26 +33,22 @@ public:
     [[nodiscard]] bool apply(const CSetting& setting, std::string& error);
     /// Makes a target known and gives the index by which events name it. Only before the instance starts.
     [[nodiscard]] int addTarget(const CTarget& target);
+    /// Both of the above: what an event is to carry. Host parameters go by their own indices and normalised values.
+    [[nodiscard]] bool resolveEvent(const CSetting& setting, int& index, double& value, std::string& error);
 
-    /// Routes as many channels straight through as there are, where the command line leaves the routing alone.
-    void routeChannels(int channelCount, const std::vector<CSetting>& settings);
+    /// Reports the layout that hosts use for such counts of channels, so that the routing follows.
+    void reportChannels(int channelCount, int keyCount);
 
-    /// What can be told of a parameter, as a user reads it.
-    struct CParamText {
-        std::string path; ///< below plugin.modMain
-        int groups = 0;
-        int elements = 0;
-        std::string values; ///< of group 0, joined by commas
-        std::string min;    ///< empty for texts
-        std::string max;
-        std::string defaults;
-        std::string unit;
-    };
     /// All parameters in the order of their paths.
-    [[nodiscard]] std::vector<CParamText> listParams();
+    [[nodiscard]] std::vector<CFilePlayer::CParamText> listParams();
 
 private:
     qrb::CAudioParam* findParam(const CSetting& setting, std::string& error);
+    /// The host parameter of that name, or null.
+    [[nodiscard]] qrb::CAudioExtParam* findHostParam(const CSetting& setting);
+    /// Reads a text for a host parameter: normalised.
+    [[nodiscard]] static bool readNormal(const CSetting& setting, const qrb::CAudioExtParam& param, double& out,
+                                         std::string& error);
 
     std::vector<CTarget> m_targets;
 };

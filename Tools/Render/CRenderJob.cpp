@@ -1,20 +1,32 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Tools/Render/CRenderJob.h"
 
-#include "Audio/CAudioParamCollector.h"
+#include "Tools/DocCompiler/ToolFiles.h"
+#include "Tools/Render/CFileHost.h"
+#include "Tools/Render/CModuleHost.h"
 
 #include <algorithm>
 #include <cstdio>
 
 namespace render {
 
+CRenderJob::CRenderJob(const CRenderOptions& options) : m_options(options)
+{
+    if (options.moduleFile.empty())
+        m_player = std::make_unique<CFileHost>(options);
+    else
+        m_player = std::make_unique<CModuleHost>(options, options.moduleFile);
+}
+
+CRenderJob::~CRenderJob() = default;
+
 bool CRenderJob::render(std::string& error)
 {
-    const CSoundFileReader& in = m_host.file();
+    const CSoundFileReader& in = m_player->file();
     CSoundFileWriter out;
     if (!out.open(m_options.outFile, in.channels(), in.sampleRate(), m_options.format, error))
         return false;
-    const auto latency = static_cast<std::uint64_t>(m_host.instance().getLatencySamples());
+    const auto latency = static_cast<std::uint64_t>(m_player->latency());
     const auto stride = static_cast<std::size_t>(in.channels());
     const std::uint64_t total = in.frames() + latency; // silence drives the last samples out
     std::uint64_t toDrop = m_options.isRaw ? 0 : latency;
@@ -23,14 +35,14 @@ bool CRenderJob::render(std::string& error)
     for (std::uint64_t position = 0; position < total;) {
         const auto frames = static_cast<std::size_t>(std::min<std::uint64_t>(m_options.blockSize, total - position));
         const auto own = position < in.frames() ? std::min<std::uint64_t>(frames, in.frames() - position) : 0;
-        if (m_host.playBlock(frames) < own) {
+        if (m_player->playBlock(frames) < own) {
             progress.clear();
             error = "'" + m_options.inFile + "' is damaged: its data ends early";
             return false;
         }
-        m_host.instance().paramCollector().runDeferred();
-        m_summary.in.add(m_host.input().first(static_cast<std::size_t>(own) * stride));
-        m_host.output(samples, frames);
+        m_player->runOwner();
+        m_summary.in.add(m_player->input().first(static_cast<std::size_t>(own) * stride));
+        m_player->output(samples, frames);
         const auto dropped = static_cast<std::size_t>(std::min<std::uint64_t>(toDrop, frames));
         toDrop -= dropped;
         const std::span<const double> kept = std::span(samples).subspan(dropped * stride);
@@ -41,59 +53,49 @@ bool CRenderJob::render(std::string& error)
         progress.show(static_cast<double>(position) / static_cast<double>(total));
     }
     progress.clear();
+    if (!m_player->failure().empty()) {
+        error = "the module has refused: " + m_player->failure();
+        return false;
+    }
     return out.finish(error);
 }
 
-void CRenderJob::printList()
+bool CRenderJob::takeSaves(std::string& error)
 {
-    const std::vector<CRenderInstance::CParamText> list = m_host.instance().listParams();
-    if (m_options.isJson) {
-        std::printf("[");
-        for (std::size_t i = 0; i < list.size(); ++i) {
-            const auto& p = list[i];
-            std::printf("%s\n  {\"path\": %s, \"groups\": %d, \"elements\": %d, \"value\": %s, \"min\": %s, "
-                        "\"max\": %s, \"default\": %s, \"unit\": %s}",
-                        i > 0 ? "," : "", jsonString(p.path).c_str(), p.groups, p.elements,
-                        jsonString(p.values).c_str(), jsonString(p.min).c_str(), jsonString(p.max).c_str(),
-                        jsonString(p.defaults).c_str(), jsonString(p.unit).c_str());
-        }
-        std::printf("\n]\n");
-        return;
-    }
-    std::size_t width = 0;
-    for (const auto& p : list)
-        width = std::max(width, p.path.size());
-    for (const auto& p : list) {
-        std::printf("%-*s  %d x %d  %s", static_cast<int>(width), p.path.c_str(), p.groups, p.elements,
-                    p.values.c_str());
-        if (!p.min.empty())
-            std::printf("  (%s to %s%s%s)", p.min.c_str(), p.max.c_str(), p.unit.empty() ? "" : " ", p.unit.c_str());
-        std::printf("  default %s\n", p.defaults.c_str());
-    }
+    return (m_options.savePresetFile.empty() || m_player->savePreset(m_preset, error)) &&
+           (m_options.saveStateFile.empty() || m_player->saveState(m_state, error));
+}
+
+bool CRenderJob::writeSaves(std::string& error) const
+{
+    if (!m_options.savePresetFile.empty())
+        error = qrbdoc::writeFileWhole(m_options.savePresetFile, m_preset);
+    if (error.empty() && !m_options.saveStateFile.empty())
+        error = qrbdoc::writeFileWhole(m_options.saveStateFile, m_state);
+    return error.empty();
 }
 
 bool CRenderJob::run(std::string& error)
 {
-    if (!m_host.open(error) || !m_host.prepare(true, error))
+    if (!m_player->open(error) || !m_player->prepare(true, error))
         return false;
     if (m_options.task == ETask::presets) {
-        m_host.presets().print(m_host.instance(), m_options.isJson);
+        printPresets(stdout, m_player->listPresets(), m_options.isJson);
         return true;
     }
-    const bool isSaving = !m_options.savePresetFile.empty();
-    if (isSaving && !m_host.presets().take(m_host.instance(), error))
+    if (!takeSaves(error))
         return false;
     if (m_options.task == ETask::list) {
-        printList();
+        printList(stdout, m_player->listParams(), m_options.isJson);
         return true;
     }
     if (m_options.task == ETask::latency) {
-        std::printf(m_options.isJson ? "{\"latency\": %d}\n" : "%d\n", m_host.instance().getLatencySamples());
+        std::printf(m_options.isJson ? "{\"latency\": %d}\n" : "%d\n", m_player->latency());
         return true;
     }
     if (m_options.task == ETask::render && !render(error))
         return false;
-    if (isSaving && !m_host.presets().save(m_options.savePresetFile, error))
+    if (!writeSaves(error))
         return false;
     if (m_options.task == ETask::render)
         printSummary();
@@ -104,12 +106,12 @@ void CRenderJob::printSummary()
 {
     m_summary.inFile = m_options.inFile;
     m_summary.outFile = m_options.outFile;
-    m_summary.channels = m_host.file().channels();
-    m_summary.sampleRate = m_host.sampleRate();
-    m_summary.frames = m_host.file().frames();
+    m_summary.channels = m_player->file().channels();
+    m_summary.sampleRate = m_player->sampleRate();
+    m_summary.frames = m_player->file().frames();
     m_summary.blockSize = m_options.blockSize;
-    m_summary.latency = m_host.instance().getLatencySamples();
-    m_summary.seconds = m_host.processingSeconds();
+    m_summary.latency = m_player->latency();
+    m_summary.seconds = m_player->processingSeconds();
     m_options.isJson ? printSummaryJson(stdout, m_summary) : render::printSummary(stdout, m_summary);
 }
 

@@ -3,6 +3,8 @@
 
 #include "Tools/Render/CArgReader.h"
 
+#include <utility>
+
 namespace render {
 
 namespace {
@@ -38,8 +40,12 @@ bool takeOption(const std::string& option, CArgReader& args, CRenderOptions& out
 {
     if (const EOption taken = takeHostOption(option, args, out, error); taken != EOption::unknown)
         return taken == EOption::taken;
+    if (option == "--vst3")
+        return args.takeFile(option, out.moduleFile);
     if (option == "--save-preset")
         return args.takeFile(option, out.savePresetFile);
+    if (option == "--save-state")
+        return args.takeFile(option, out.saveStateFile);
     if (option == "--format")
         return takeFormat(args, option, out.format, error);
     if (option == "--raw")
@@ -57,6 +63,22 @@ bool takeOption(const std::string& option, CArgReader& args, CRenderOptions& out
     else {
         error = "unknown option '" + option + "'";
         return false;
+    }
+    return true;
+}
+
+/// A hosted module takes no files of presets: those are the engine's.
+bool checkModuleOptions(const CRenderOptions& options, std::string& error)
+{
+    const std::pair<bool, const char*> engineOnly[] = {{!options.bankFile.empty(), "--bank"},
+                                                       {!options.presetFiles.empty(), "--preset-file"},
+                                                       {!options.savePresetFile.empty(), "--save-preset"}};
+    for (const auto& [isGiven, option] : engineOnly) {
+        if (isGiven && !options.moduleFile.empty()) {
+            error = std::string("option '") + option +
+                    "' needs the engine itself; --state and --save-state work with --vst3";
+            return false;
+        }
     }
     return true;
 }
@@ -80,8 +102,11 @@ std::optional<CRenderOptions> parseOptions(const std::vector<std::string>& words
         if (options.task == ETask::help)
             return options;
     }
-    if (options.task == ETask::render && files.empty() && !options.savePresetFile.empty())
+    const bool isSaving = !options.savePresetFile.empty() || !options.saveStateFile.empty();
+    if (options.task == ETask::render && files.empty() && isSaving)
         options.task = ETask::save;
+    if (!checkModuleOptions(options, error))
+        return std::nullopt;
     const std::size_t wanted = options.task == ETask::render ? 2 : files.size();
     if (files.size() != wanted || files.size() > 2) {
         error = files.size() > 2 ? "too many files: '" + files[2] + "'" : "an input and an output file are needed";
@@ -100,26 +125,31 @@ const char* helpText()
 
     thumpcraft-render [options] IN OUT
 
+  --vst3 PATH                                host this built module, as any host does, in place of the engine linked in
+  --state FILE                               start from this state, as hosts save it
   --preset NAME                              start from this built-in preset, or from this one of --bank
   --bank FILE                                a bank or list of presets; without --preset its first one is used
   --preset-file FILE                         start from this preset, of the whole or of a panel; repeatable
-  --set PATH[:GROUP[:ELEMENT]]=TEXT          a parameter's value, PATH below plugin.modMain; repeatable
+  --set PATH[:GROUP[:ELEMENT]]=TEXT          a parameter's value, PATH below plugin.modMain or a host parameter's name
+                                             (the only ones with --vst3); repeatable
   --at SECONDS PATH[:GROUP[:ELEMENT]]=TEXT   the same as an event at that time; repeatable
   --save-preset FILE                         save the settings before the first sample as a preset; IN and OUT may be left out
+  --save-state FILE                          save them as a state for hosts
   --sidechain FILE                           key signal, behind the main channels
   --block N                                  samples a block (default 512)
   --double                                   64-bit host buffers (default 32-bit)
   --format float|double|pcm16|pcm24          samples of the output file (default float)
   --raw                                      keep the latency; otherwise the output is aligned and as long as the input
   --list [IN]                                print every parameter: path, groups x elements, value, range, default
+                                             (with --vst3: every host parameter)
   --presets                                  print the names of the presets, built in or of --bank
   --latency [IN]                             print the latency in samples and stop
   --rate HZ                                  sample rate where there is no file (default 44100)
   --json                                     the summary (or list, or latency) for machines
   --help                                     this text
 
-Presets come in the order bank, files; --set changes what they have set. Channels go straight through unless a preset's
-file or --set says where they go.
+The state comes first, then presets in the order bank, files; --set changes what they have set. Channels go where a host's
+layout of as many (mono to 7.1) takes them, unless a state, a preset's file or --set says where they go.
 IN is anything libsndfile reads, with 1 to 8 channels. OUT is WAV, or the type its name tells (.flac, .aiff, .w64, ...).
 Exit status: 0 done, 2 something was wrong (one line on stderr tells what; no output file is left behind).
 )";

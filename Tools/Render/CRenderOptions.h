@@ -19,7 +19,9 @@ enum class ETask { render, list, latency, presets, save, help };
 struct CRenderOptions : CHostOptions {
     ETask task = ETask::render;
     std::string outFile;
+    std::string moduleFile; ///< plug-in module that is hosted, in place of the engine that is linked in
     std::string savePresetFile;
+    std::string saveStateFile;
     EFileFormat format = EFileFormat::float32;
     bool isRaw = false; ///< keep the latency in the output
     bool isJson = false;

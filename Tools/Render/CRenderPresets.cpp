@@ -5,21 +5,15 @@
 #include "Audio/Presets/CAudioParamRegistry.h"
 #include "Audio/Presets/CAudioPresetList.h"
 #include "Core/CWriteSeqBuffer.h"
-#include "Tools/DocCompiler/ToolFiles.h"
 #include "Tools/Product/BoundedFile.h"
 #include "Tools/Product/CPresetFile.h"
-#include "Tools/Render/CRenderReport.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <utility>
 
 namespace render {
 
 namespace {
-
-/// What a preset must hold to tell where channels go; keys end so in the routing panel and in the whole plug-in.
-constexpr const char* kRoutingKeys[] = {"in-routing", "out-routing"};
 
 /// Place of the name in the list: as a whole, as users see it, as users see it in whatever case; -1 if it is not there.
 std::int32_t findName(const std::vector<qrb::CString>& names, const std::string& name)
@@ -67,12 +61,6 @@ qrb::CAudioParamRegistry* findRegistry(qrb::CAudioWrapper& instance, const qrb::
     return nullptr;
 }
 
-bool isRoutingKey(const qrb::CString& key)
-{
-    return std::any_of(std::begin(kRoutingKeys), std::end(kRoutingKeys),
-                       [&](const char* end) { return key.endsWith(end); });
-}
-
 qrb::CAudioPreset toPreset(const product::CPreset& from)
 {
     qrb::CAudioPreset preset;
@@ -83,14 +71,6 @@ qrb::CAudioPreset toPreset(const product::CPreset& from)
         preset.items.insert_or_assign(qrb::CString::fromUtf8(item.key), std::move(bytes));
     }
     return preset;
-}
-
-/// For a terminal, which a name from a file has not to command.
-std::string printable(std::string text)
-{
-    std::replace_if(
-        text.begin(), text.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, '?');
-    return text;
 }
 
 } // namespace
@@ -173,34 +153,26 @@ bool CRenderPresets::activateOne(qrb::CAudioWrapper& instance, const qrb::CAudio
         error = "nothing in the product takes the preset " + name;
     else if (const qrb::CErrorPtr failed = registry->activatePreset(preset, nullptr, -1))
         error = "the preset " + name + " cannot be used: " + failed->line(0).toUtf8();
-    for (const auto& [key, bytes] : preset.items)
-        m_tellsRouting = m_tellsRouting || isRoutingKey(key);
     return error.empty();
 }
 
-void CRenderPresets::print(qrb::CAudioWrapper& instance, bool isJson) const
+std::vector<CFilePlayer::CPresetText> CRenderPresets::list(qrb::CAudioWrapper& instance) const
 {
     std::int32_t current = -1;
     std::vector<qrb::CString> names = namesOf(m_bank);
     if (m_options.bankFile.empty() && instance.paramRegistry() != nullptr)
         names = programNames(*instance.paramRegistry(), current);
-    std::string text = isJson ? "[" : "";
-    for (std::size_t i = 0; i < names.size(); ++i) {
+    std::vector<CFilePlayer::CPresetText> texts;
+    for (const qrb::CString& name : names) {
         qrb::CAudioPreset preset;
-        preset.name = names[i];
-        const std::string name = preset.visibleName().toUtf8();
-        const bool isCurrent = current == static_cast<std::int32_t>(i);
-        if (isJson)
-            text += std::string(i > 0 ? "," : "") + "\n  {\"name\": " + jsonString(name) +
-                    ", \"registry\": " + jsonString(preset.registryId().toUtf8()) +
-                    ", \"current\": " + (isCurrent ? "true" : "false") + "}";
-        else
-            text += (isCurrent ? "* " : "  ") + printable(name) + "\n";
+        preset.name = name;
+        texts.push_back({preset.visibleName().toUtf8(), preset.registryId().toUtf8(),
+                         static_cast<std::size_t>(current) == texts.size()});
     }
-    std::printf("%s%s", text.c_str(), isJson ? "\n]\n" : "");
+    return texts;
 }
 
-bool CRenderPresets::take(qrb::CAudioWrapper& instance, std::string& error)
+bool CRenderPresets::take(qrb::CAudioWrapper& instance, std::string& bytes, std::string& error)
 {
     qrb::CAudioParamRegistry* const master = instance.paramRegistry();
     if (master == nullptr) {
@@ -209,20 +181,16 @@ bool CRenderPresets::take(qrb::CAudioWrapper& instance, std::string& error)
     }
     qrb::CWriteSeqBuffer content;
     qrb::CWriteSeqBuffer chunk;
+    qrb::CByteArray whole;
     qrb::CErrorPtr failed = master->acquirePreset(false, -1, -1, content);
-    content.getContiguous(m_taken);
+    content.getContiguous(whole);
     if (!failed)
-        failed = chunk.writeCompressedData(m_taken.span(), qrb::kPresetChunk);
-    chunk.getContiguous(m_taken);
+        failed = chunk.writeCompressedData(whole.span(), qrb::kPresetChunk);
+    chunk.getContiguous(whole);
+    bytes.assign(whole.begin(), whole.end());
     if (failed)
         error = "the preset cannot be saved: " + failed->line(0).toUtf8();
     return !failed;
-}
-
-bool CRenderPresets::save(const std::string& path, std::string& error) const
-{
-    error = qrbdoc::writeFileWhole(path, {reinterpret_cast<const char*>(m_taken.data()), m_taken.size()});
-    return error.empty();
 }
 
 } // namespace render

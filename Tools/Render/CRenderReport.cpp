@@ -20,6 +20,14 @@ double timesRealTime(const CRenderSummary& summary)
     return summary.seconds > 0.0 ? durationOf(summary) / summary.seconds : 0.0;
 }
 
+/// For a terminal, which a name from a file has not to command.
+std::string printable(std::string text)
+{
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, '?');
+    return text;
+}
+
 } // namespace
 
 std::string jsonString(const std::string& text)
@@ -37,6 +45,50 @@ std::string jsonString(const std::string& text)
         }
     }
     return out + '"';
+}
+
+void printList(std::FILE* to, const std::vector<CFilePlayer::CParamText>& list, bool isJson)
+{
+    if (isJson) {
+        std::fprintf(to, "[");
+        for (std::size_t i = 0; i < list.size(); ++i) {
+            const auto& p = list[i];
+            std::fprintf(to,
+                         "%s\n  {\"path\": %s, \"groups\": %d, \"elements\": %d, \"value\": %s, \"min\": %s, "
+                         "\"max\": %s, \"default\": %s, \"unit\": %s}",
+                         i > 0 ? "," : "", jsonString(p.path).c_str(), p.groups, p.elements,
+                         jsonString(p.values).c_str(), jsonString(p.min).c_str(), jsonString(p.max).c_str(),
+                         jsonString(p.defaults).c_str(), jsonString(p.unit).c_str());
+        }
+        std::fprintf(to, "\n]\n");
+        return;
+    }
+    std::size_t width = 0;
+    for (const auto& p : list)
+        width = std::max(width, p.path.size());
+    for (const auto& p : list) {
+        std::fprintf(to, "%-*s  %d x %d  %s", static_cast<int>(width), p.path.c_str(), p.groups, p.elements,
+                     p.values.c_str());
+        if (!p.min.empty())
+            std::fprintf(to, "  (%s to %s%s%s)", p.min.c_str(), p.max.c_str(), p.unit.empty() ? "" : " ",
+                         p.unit.c_str());
+        std::fprintf(to, "  default %s\n", p.defaults.c_str());
+    }
+}
+
+void printPresets(std::FILE* to, const std::vector<CFilePlayer::CPresetText>& list, bool isJson)
+{
+    std::string text = isJson ? "[" : "";
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        const CFilePlayer::CPresetText& preset = list[i];
+        if (isJson)
+            text += std::string(i > 0 ? "," : "") + "\n  {\"name\": " + jsonString(preset.name) +
+                    ", \"registry\": " + jsonString(preset.registry) +
+                    ", \"current\": " + (preset.isCurrent ? "true" : "false") + "}";
+        else
+            text += (preset.isCurrent ? "* " : "  ") + printable(preset.name) + "\n";
+    }
+    std::fprintf(to, "%s%s", text.c_str(), isJson ? "\n]\n" : "");
 }
 
 void printSummary(std::FILE* to, const CRenderSummary& s)

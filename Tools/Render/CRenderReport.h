@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Tools/Render/CFilePlayer.h"
 #include "Tools/Render/CLevelStats.h"
 
 #include <cstdint>
@@ -23,6 +24,8 @@ struct CRenderSummary {
     CLevelStats out;
 };
 
+void printList(std::FILE* to, const std::vector<CFilePlayer::CParamText>& list, bool isJson);
+void printPresets(std::FILE* to, const std::vector<CFilePlayer::CPresetText>& list, bool isJson);
 void printSummary(std::FILE* to, const CRenderSummary& summary);
 void printSummaryJson(std::FILE* to, const CRenderSummary& summary);
 

@@ -4,6 +4,7 @@
 #include "Tools/Render/CRenderOptions.h"
 
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,8 +31,8 @@ int main(int argc, char** argv)
         std::fputs(render::helpText(), stdout);
         return 0;
     }
-    const render::CProductModule module(error);
-    if (!module.isEntered())
+    std::optional<render::CProductModule> engine;
+    if (options->moduleFile.empty() && !engine.emplace(error).isEntered())
         return fail(error);
     render::CRenderJob job(*options);
     return job.run(error) ? 0 : fail(error);

@@ -41,7 +41,7 @@ void CVstHost::require(tresult result, const char* call)
         m_failure += (m_failure.empty() ? "" : ", ") + std::string(call);
 }
 
-CVstHost::CVstHost(IPluginFactory& factory)
+CVstHost::CVstHost(IPluginFactory& factory, CRunLoop* runLoop)
 {
     PClassInfo info;
     if (!findEffect(factory, info)) {
@@ -57,7 +57,7 @@ CVstHost::CVstHost(IPluginFactory& factory)
         m_failure = "no audio effect with its controller in one";
         return;
     }
-    m_isInitialized = component->initialize(nullptr) == kResultOk;
+    m_isInitialized = component->initialize(runLoop) == kResultOk;
     if (!m_isInitialized)
         m_failure = "initialize";
     controller->setComponentHandler(&handler);
@@ -75,6 +75,14 @@ bool CVstHost::setLayout(SpeakerArrangement in, SpeakerArrangement out, SpeakerA
 {
     SpeakerArrangement inputs[] = {in, sidechain};
     return processor->setBusArrangements(inputs, 2, &out, 1) == kResultTrue;
+}
+
+void CVstHost::activateBuses(bool isKeyed)
+{
+    require(component->activateBus(kAudio, kInput, 0, true), "activateBus");
+    require(component->activateBus(kAudio, kOutput, 0, true), "activateBus");
+    if (component->getBusCount(kAudio, kInput) > 1)
+        require(component->activateBus(kAudio, kInput, 1, isKeyed), "activateBus");
 }
 
 void CVstHost::setup(double sampleRate, int32 sampleSize, int32 maxFrames, int32 mode)

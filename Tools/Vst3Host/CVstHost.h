@@ -3,6 +3,7 @@
 
 #include "Tools/Vst3Host/CComponentHandler.h"
 #include "Tools/Vst3Host/CParameterChanges.h"
+#include "Tools/Vst3Host/CRunLoop.h"
 
 #include <pluginterfaces/base/smartpointer.h>
 #include <pluginterfaces/vst/ivstaudioprocessor.h>
@@ -23,8 +24,8 @@ using CChannels = std::vector<std::vector<double>>;
 /// One instance of a module's first audio effect in a small host. Thread: the owner's, process() the audio's.
 class CVstHost {
 public:
-    /// Creates and initialises the instance.
-    explicit CVstHost(Steinberg::IPluginFactory& factory);
+    /// Creates and initialises the instance, which may use the run loop if there is one.
+    explicit CVstHost(Steinberg::IPluginFactory& factory, CRunLoop* runLoop = nullptr);
     ~CVstHost();
     CVstHost(const CVstHost&) = delete;
     CVstHost& operator=(const CVstHost&) = delete;
@@ -35,6 +36,8 @@ public:
 
     [[nodiscard]] bool setLayout(Steinberg::Vst::SpeakerArrangement in, Steinberg::Vst::SpeakerArrangement out,
                                  Steinberg::Vst::SpeakerArrangement sidechain = 3);
+    /// Switches the main buses on, and the side-chain's if it is wished.
+    void activateBuses(bool isKeyed);
     void setup(double sampleRate, Steinberg::int32 sampleSize, Steinberg::int32 maxFrames = 1024,
                Steinberg::int32 mode = Steinberg::Vst::kRealtime);
     void activate();

@@ -16,6 +16,15 @@ const char* speakerName(std::uint32_t bit)
     return bit < std::size(kNames) ? kNames[bit] : "";
 }
 
+CArray<CString> speakerNames(std::uint64_t arrangement)
+{
+    CArray<CString> names;
+    for (std::uint32_t bit = 0; bit < 64; ++bit)
+        if ((arrangement >> bit & 1) != 0)
+            names.append(speakerName(bit));
+    return names;
+}
+
 bool isSpeakerName(const CString& text)
 {
     return std::any_of(std::begin(kNames), std::end(kNames), [&](const char* name) { return text == name; });

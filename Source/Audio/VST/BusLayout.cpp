@@ -2,7 +2,6 @@
 #include "Audio/VST/BusLayout.h"
 
 #include "Audio/CPluginProject.h"
-#include "Audio/HostParams/SpeakerNames.h"
 
 #include <algorithm>
 #include <bit>
@@ -57,16 +56,6 @@ CBusLayout constrainLayout(const CBusLayout& wish, const CPluginProject& project
         layout.output = arrangementOf(2);
     }
     return layout;
-}
-
-CArray<CString> labelsOf(SpeakerArrangement arrangement)
-{
-    CArray<CString> labels;
-    for (std::uint32_t bit = 0; bit < 64; ++bit) {
-        if ((arrangement >> bit & 1) != 0)
-            labels.append(speakerName(bit));
-    }
-    return labels;
 }
 
 } // namespace qrb

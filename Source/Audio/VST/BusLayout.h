@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Core/CArray.h"
-#include "Core/CString.h"
-
 #include <pluginterfaces/vst/vsttypes.h>
 
 namespace qrb {
@@ -24,7 +21,5 @@ struct CBusLayout {
 [[nodiscard]] Steinberg::Vst::SpeakerArrangement arrangementOf(int channelCount);
 /// The nearest layout to a wish that the product can have.
 [[nodiscard]] CBusLayout constrainLayout(const CBusLayout& wish, const CPluginProject& project);
-/// Names of the channels of an arrangement, in their order.
-[[nodiscard]] CArray<CString> labelsOf(Steinberg::Vst::SpeakerArrangement arrangement);
 
 } // namespace qrb

@@ -2,6 +2,7 @@
 #include "Audio/VST/CAudioWrapperVST3.h"
 
 #include "Audio/HostParams/CAudioExtParam.h"
+#include "Audio/HostParams/SpeakerNames.h"
 #include "Audio/Presets/CAudioParamRegistry.h"
 #include "Audio/VST/CAudioWrapperVST3Parameter.h"
 #include "Audio/VST/CAudioWrapperVST3ProgramParameter.h"
@@ -228,7 +229,7 @@ void CAudioWrapperVST3::announceLayout()
     m_inputCount = channelCountOf(layout.input);
     m_outputCount = channelCountOf(layout.output);
     m_sidechainCount = isKeyed ? channelCountOf(layout.sidechain) : 0;
-    reportLayout(labelsOf(layout.input), isKeyed ? labelsOf(layout.sidechain) : CArray<CString>());
+    reportLayout(speakerNames(layout.input), isKeyed ? speakerNames(layout.sidechain) : CArray<CString>());
 }
 
 void CAudioWrapperVST3::announceFormats(bool isDouble, const void* const* sidechain)
