@@ -72,6 +72,9 @@ const CSettings kDrive{kGroup + "sat-drive:0:0=6", kGroup + "sat-drive:0:1=6", k
 const CSettings kEverything =
     bands(3) + kGate + kFilters + eachBand("comp-enable") + eachBand("sat-enable") + kDrive + kClipper;
 
+const CSettings kFourGroups{"io-params.grouping:0:2=1", "io-params.grouping:0:3=1", "io-params.grouping:0:4=2",
+                            "io-params.grouping:0:5=2", "io-params.grouping:0:6=3", "io-params.grouping:0:7=3"};
+
 /// A playing instance, fed from a loop of drums.
 class CPlayer {
 public:
@@ -227,7 +230,7 @@ void copyAlone(benchmark::State& state)
 BENCHMARK(copyAlone);
 BENCHMARK_CAPTURE(chain, neutral, bands(1), 2, 512);
 BENCHMARK_CAPTURE(chain, neutral_64, bands(1), 2, 64);
-BENCHMARK_CAPTURE(chain, neutral_8_channels, bands(1), 8, 512);
+BENCHMARK_CAPTURE(chain, neutral_8_channels, bands(1) + kFourGroups, 8, 512);
 BENCHMARK_CAPTURE(chain, gate, bands(1) + kGate, 2, 512);
 BENCHMARK_CAPTURE(chain, equalizer, bands(1) + kFilters, 2, 512);
 BENCHMARK_CAPTURE(chain, crossover_12, bands(3), 2, 512);
@@ -237,7 +240,7 @@ BENCHMARK_CAPTURE(chain, clipper, bands(1) + kClipper, 2, 512);
 BENCHMARK_CAPTURE(chain, everything, kEverything, 2, 512);
 BENCHMARK_CAPTURE(chain, everything_64, kEverything, 2, 64);
 BENCHMARK_CAPTURE(chain, everything_4096, kEverything, 2, 4096);
-BENCHMARK_CAPTURE(chain, everything_8_channels, kEverything, 8, 512);
+BENCHMARK_CAPTURE(chain, everything_8_channels, kEverything + kFourGroups, 8, 512);
 BENCHMARK_CAPTURE(chain, everything_2X, kEverything + CSettings{"oversampling=2X"}, 2, 512);
 BENCHMARK_CAPTURE(chain, everything_4X, kEverything + CSettings{"oversampling=4X"}, 2, 512);
 BENCHMARK_CAPTURE(chain, everything_8X, kEverything + CSettings{"oversampling=8X"}, 2, 512);
