@@ -81,20 +81,30 @@ void CProductRig::start()
     m_instance->setInputs({m_shape.inputs, true, false}, {m_shape.sidechains, true, false}, nullptr);
     m_instance->setOutputs({m_shape.outputs, true, false});
     m_instance->start(); // nodes bring the definitions of their parameters
+    for (const std::string& text : m_settings)
+        change(text);
+    restart();
     std::string error;
-    for (const std::string& text : m_settings) {
-        const std::optional<render::CSetting> setting = render::parseSetting(text, error);
-        EXPECT_TRUE(setting && m_instance->apply(*setting, error)) << error;
-    }
-    m_instance->stop();
-    m_instance->start();
-    m_instance->paramCollector().runDeferred();
     for (const auto& [frame, text] : m_events) {
         const std::optional<render::CSetting> setting = render::parseSetting(text, error);
         render::CRenderInstance::CTarget target;
         EXPECT_TRUE(setting && m_instance->resolve(*setting, target, error)) << error;
         m_timed.push_back({frame, m_instance->addTarget(target), target.value});
     }
+}
+
+void CProductRig::change(const std::string& setting)
+{
+    std::string error;
+    const std::optional<render::CSetting> read = render::parseSetting(setting, error);
+    EXPECT_TRUE(read && m_instance->apply(*read, error)) << error;
+}
+
+void CProductRig::restart()
+{
+    m_instance->stop();
+    m_instance->start();
+    m_instance->paramCollector().runDeferred();
 }
 
 CChannels CProductRig::run(const CChannels& in, std::size_t blockSize)

@@ -53,6 +53,10 @@ public:
     [[nodiscard]] CChannels run(const CChannels& in, std::size_t blockSize);
 
     void start();
+    /// In force from the next block on, once started.
+    void change(const std::string& setting);
+    /// Stops and starts again: settings in force at once, nothing left of what was played.
+    void restart();
     [[nodiscard]] int latency() { return m_instance->getLatencySamples(); }
     [[nodiscard]] render::CRenderInstance& instance() { return *m_instance; }
 

@@ -5,6 +5,8 @@
 #include "Audio/HostParams/CAudioExtParam.h"
 #include "Audio/Interface/CAudioInterfaceBase.h"
 #include "Audio/Presets/CAudioParamRegistry.h"
+#include "Core/CMemoryReaderStatic.h"
+#include "Core/CWriteSeqBuffer.h"
 #include "Tools/Render/CProductModule.h"
 
 #include <cmath>
@@ -258,6 +260,52 @@ TEST_F(TestHostParams, RoutingFollowsTheHostsLayoutUntilTheUserTouchesIt)
     EXPECT_TRUE(m_instance->param("io-params.grouping").setElement(0, 3, 0.0));
     report({"L", "R"});
     EXPECT_EQ(m_instance->list("out-routing"), "1,0,0,0,0,0,0,0");
+}
+
+TEST_F(TestHostParams, WhateverTheUserTouchesKeepsTheRoutingAlsoInTheNextSession)
+{
+    struct CTouch {
+        const char* path;
+        int element;
+        double value;
+    };
+    const char* const tables[] = {"in-routing", "out-routing", "sidechain", "sidechain-mute", "grouping", "ms-pairs"};
+    for (const CTouch& touch : {CTouch{"in-routing", 0, 2.0},
+                                {"out-routing", 1, 1.0},
+                                {"sidechain", 0, 1.0},
+                                {"sidechain-mute", 2, 0.0},
+                                {"grouping", 1, 1.0},
+                                {"ms-pairs", 0, 1.0},
+                                {"group-names", 0, 0.0},
+                                {"group-names", 5, 0.0}}) {
+        const std::string where = touch.path + std::to_string(touch.element);
+        SetUp();
+        report({"L", "R"}, {"L", "R"});
+        CAudioParam& touched = m_instance->param(std::string("io-params.") + touch.path);
+        EXPECT_TRUE(touched.info()->format.hasItems() ? touched.setString(0, touch.element, "Kick")
+                                                      : touched.setElement(0, touch.element, touch.value));
+        Strings kept;
+        for (const char* const table : tables)
+            kept.push_back(m_instance->list(table));
+        CWriteSeqBuffer state;
+        EXPECT_FALSE(m_instance->saveState(state));
+        for (const bool isReloaded : {false, true}) {
+            if (isReloaded) {
+                SetUp();
+                CByteArray bytes;
+                state.getContiguous(bytes);
+                CMemoryReaderStatic in(bytes.span());
+                report({"L", "R"}); // some hosts do so before they bring the state
+                EXPECT_FALSE(m_instance->loadState(in));
+            }
+            report({"M"}, {"M"});
+            report({"L", "R", "C", "Lfe", "Ls", "Rs"});
+            Strings found;
+            for (const char* const table : tables)
+                found.push_back(m_instance->list(table));
+            EXPECT_EQ(found, kept) << where << (isReloaded ? " reloaded" : "");
+        }
+    }
 }
 
 TEST_F(TestHostParams, ChannelLabelsAreTakenOnRequestAsOneStepOfTheHistory)
