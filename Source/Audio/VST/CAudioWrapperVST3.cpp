@@ -87,12 +87,19 @@ void CAudioWrapperVST3::runOwner()
     if (!m_isInitialized || m_isOwnerRunning || platform::CSystemThread::currentId() != m_owner)
         return;
     m_isOwnerRunning = true;
-    const double wish = m_programWish.exchange(-1.0);
-    if (wish >= 0.0 && m_programParam != nullptr)
-        m_programParam->setNormalized(wish);
+    takeProgramWish();
     runIdle();
     tellHost();
     m_isOwnerRunning = false;
+}
+
+void CAudioWrapperVST3::takeProgramWish()
+{
+    if (m_programParam == nullptr || platform::CSystemThread::currentId() != m_owner)
+        return;
+    const double wish = m_programWish.exchange(-1.0);
+    if (wish >= 0.0)
+        m_programParam->setNormalized(wish);
 }
 
 void CAudioWrapperVST3::tellHost()
@@ -176,6 +183,7 @@ tresult PLUGIN_API CAudioWrapperVST3::setState(IBStream* state)
         reportError(std::move(failed));
         return kResultFalse;
     }
+    onProgramChange(); // the load's own sender is not told
     return kResultOk;
 }
 
@@ -183,6 +191,7 @@ tresult PLUGIN_API CAudioWrapperVST3::getState(IBStream* state)
 {
     if (state == nullptr || !m_isInitialized)
         return kResultFalse;
+    takeProgramWish();
     COutputStreamVST stream(*state);
     if (CErrorPtr failed = saveState(stream)) {
         reportError(std::move(failed));

@@ -85,10 +85,11 @@ public:
     REFCOUNT_METHODS(CSingleComponentEffect)
 
 private:
-    /// Ends a call of the host: does the owner's work if that is the thread.
+    /// A call of the host. On the owner's thread what waits of the audio comes before it, as it was earlier, and the
+    /// owner's work behind it.
     class CHostCall {
     public:
-        explicit CHostCall(CAudioWrapperVST3& wrapper) : m_wrapper(wrapper) {}
+        explicit CHostCall(CAudioWrapperVST3& wrapper) : m_wrapper(wrapper) { m_wrapper.takeProgramWish(); }
         ~CHostCall() { m_wrapper.runOwner(); }
         CHostCall(const CHostCall&) = delete;
         CHostCall& operator=(const CHostCall&) = delete;
@@ -100,6 +101,7 @@ private:
     using CChannelPointers = std::array<void*, kMaxChannels>;
 
     void runOwner();
+    void takeProgramWish();
     void tellHost();
     void addParameters();
     void addBuses(const CBusLayout& layout);
