@@ -3,10 +3,10 @@
 #include "Core/CInputZipStream.h"
 #include "Core/COutputStream.h"
 #include "Core/COutputZipStream.h"
+#include "Core/LzfPacking.h"
 
 #include <algorithm>
 #include <cstring>
-#include <liblzf/lzf.h>
 #include <zlib.h>
 
 namespace qrb {
@@ -15,8 +15,6 @@ namespace {
 
 /// Three packed bytes of LZF give 264 at most.
 constexpr std::uint64_t kMaxLZFRatio = 88;
-/// Longest run of literals behind one control byte of LZF.
-constexpr std::size_t kLZFRun = 32;
 
 std::uint32_t headerCheck(const void* header, std::size_t size)
 {
@@ -30,30 +28,6 @@ CErrorPtr requireChunkSize(std::uint64_t size)
         return QRB_ERROR("@qrbstr_CInputStream_requireChunkSize_TooLarge Chunk of %1 bytes is above the allowed %2.",
                          size, kMaxChunkBytes);
     return nullptr;
-}
-
-/// LZF without matches: what is left for data that does not pack.
-void storeAsLZF(std::span<const std::uint8_t> data, CByteArray& packed)
-{
-    packed.clear();
-    packed.reserve(data.size() + (data.size() + kLZFRun - 1) / kLZFRun);
-    while (!data.empty()) {
-        const std::size_t run = std::min(data.size(), kLZFRun);
-        packed.append(static_cast<std::uint8_t>(run - 1));
-        packed.appendAll(data.first(run));
-        data = data.subspan(run);
-    }
-}
-
-void packLZF(std::span<const std::uint8_t> data, CByteArray& packed)
-{
-    packed.resize(data.size() * 33 / 32 + 1);
-    const unsigned count = lzf_compress(data.data(), static_cast<unsigned>(data.size()), packed.data(),
-                                        static_cast<unsigned>(packed.size()));
-    if (count == 0)
-        storeAsLZF(data, packed);
-    else
-        packed.resize(count);
 }
 
 } // namespace
@@ -130,12 +104,12 @@ CErrorPtr CInputStream::readLZFChunk(CByteArray& buffer, std::uint32_t id)
         packed = copied.data();
     }
 
-    unsigned count = 0;
-    if (sizes[0] > 0 && sizes[0] <= sizes[1] * kMaxLZFRatio) {
+    bool isSound = sizes[0] <= sizes[1] * kMaxLZFRatio;
+    if (isSound) {
         buffer.resize(sizes[0]);
-        count = lzf_decompress(packed, sizes[1], buffer.data(), sizes[0]);
+        isSound = unpackLZF({packed, sizes[1]}, buffer.span());
     }
-    if (count != sizes[0] || (count == 0 && sizes[1] != 0))
+    if (!isSound)
         return QRB_ERROR("@qrbstr_CInputStream_readCompressedDataLZF_InvalidStream "
                          "Invalid LZF data encountered (%1 bytes to give %2).",
                          sizes[1], sizes[0]);

@@ -13,17 +13,8 @@ namespace qrb::platform {
 namespace {
 
 /// The planner has state of its own and is not made for threads; running plans is.
-std::mutex& plannerMutex()
-{
-    static std::mutex mutex;
-    return mutex;
-}
-
-/// Once in the process, with the planner's mutex held.
-void importWisdom()
-{
-    [[maybe_unused]] static const int isTaken = fftw_import_wisdom_from_string(fftWisdom());
-}
+constinit std::mutex g_plannerMutex;
+constinit std::size_t g_planCount = 0;
 
 struct CRelease {
     void operator()(double* block) const { fftw_free(block); }
@@ -39,21 +30,24 @@ fftw_complex* complexTerms(double* terms)
 CRealFFTPlan::CRealFFTPlan(unsigned log2Size)
     : m_size(std::size_t{1} << std::clamp(log2Size, kMinLog2Size, kMaxLog2Size))
 {
-    const std::lock_guard guard(plannerMutex());
+    const std::lock_guard guard(g_plannerMutex);
     const std::unique_ptr<double, CRelease> samples(fftw_alloc_real(m_size));
     const std::unique_ptr<double, CRelease> terms(fftw_alloc_real(m_size + 2));
     const int length = static_cast<int>(m_size);
     // Nothing is measured here, so each run of the program makes the same plans and computes the same bits.
-    importWisdom();
+    if (g_planCount++ == 0)
+        fftw_import_wisdom_from_string(fftWisdom());
     m_forward = fftw_plan_dft_r2c_1d(length, samples.get(), complexTerms(terms.get()), FFTW_ESTIMATE);
     m_inverse = fftw_plan_dft_c2r_1d(length, complexTerms(terms.get()), samples.get(), FFTW_ESTIMATE);
 }
 
 CRealFFTPlan::~CRealFFTPlan()
 {
-    const std::lock_guard guard(plannerMutex());
+    const std::lock_guard guard(g_plannerMutex);
     fftw_destroy_plan(m_forward);
     fftw_destroy_plan(m_inverse);
+    if (--g_planCount == 0)
+        fftw_cleanup(); // what the planner knows goes with the last plan: the module may be unloaded next
 }
 
 void CRealFFTPlan::forward(const double* samples, double* terms) const

@@ -6,6 +6,7 @@
 #include "Core/COutputZipStream.h"
 #include "Core/CString.h"
 #include "Core/CWriteSeqBuffer.h"
+#include "Core/LzfPacking.h"
 
 #include <gtest/gtest.h>
 #include <random>
@@ -141,6 +142,20 @@ TEST(StreamChunks, HeaderCheckCoversTheSizeField)
     const CByteArray bytes = pack(EKind::zip, makeData(3719, 1, 256), chunkId("alst"));
     const std::uint8_t expected[] = {'a', 'l', 's', 't', 0x87, 0x0E, 0, 0, 0x96, 0x00, 0x4A, 0x02};
     EXPECT_TRUE(std::equal(std::begin(expected), std::end(expected), bytes.begin()));
+}
+
+TEST(StreamChunks, LZFIsReadAsItIsWrittenDownAndPacksWhatRepeats)
+{
+    const std::uint8_t packed[] = {2, 'a', 'b', 'c', 0x20, 2, 0xE0, 1, 0}; // abc, three again, ten times the last
+    CByteArray data;
+    data.resize(16);
+    ASSERT_TRUE(unpackLZF(packed, data.span()));
+    EXPECT_EQ(std::string(data.begin(), data.end()), "abcabccccccccccc");
+    EXPECT_FALSE(unpackLZF(std::span(packed).first(8), data.span()));
+    EXPECT_FALSE(unpackLZF(packed, data.span().first(15)));
+    CByteArray again;
+    packLZF(makeData(10000, 1, 1).span(), again);
+    EXPECT_LT(again.size(), 130u);
 }
 
 TEST(StreamChunks, LZFLeavesTheStreamBehindTheChunk)
