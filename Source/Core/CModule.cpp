@@ -49,6 +49,15 @@ CErrorPtr CModule::enter(const CModuleConfig& config)
     return {};
 }
 
+bool CModule::join()
+{
+    const std::lock_guard guard(g_lock);
+    if (g_entries == 0)
+        return false;
+    ++g_entries;
+    return true;
+}
+
 void CModule::leave()
 {
     const std::lock_guard guard(g_lock);
@@ -57,6 +66,16 @@ void CModule::leave()
     destroyState();
     // What still lives, such as a text of the caller, stays usable.
     CQrbMemAllocator::destroyAllIfAlone();
+}
+
+void CModule::unload()
+{
+    // A process that ends unloads as well, with threads that may still be at work.
+    const std::unique_lock guard(g_lock, std::try_to_lock);
+    if (guard && g_entries == 0)
+        CQrbMemAllocator::leaveProcess();
+    else
+        CQrbMemAllocator::leaveThreads();
 }
 
 } // namespace qrb

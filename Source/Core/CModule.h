@@ -33,8 +33,13 @@ class CModule {
 public:
     /// Only the first entry looks at the configuration. An entry that fails counts for nothing.
     [[nodiscard]] static CErrorPtr enter(const CModuleConfig& config);
+    /// One entry more, for what may outlive those of others; false if there is none.
+    [[nodiscard]] static bool join();
     /// Every tree but the shared one has been released before the last exit.
     static void leave();
+    /// The module's code goes: gives back what it holds of the process beside its entries, and of its threads. No other
+    /// thread is inside the library unless entries are left.
+    static void unload();
 };
 
 } // namespace qrb

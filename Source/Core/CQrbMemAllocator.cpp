@@ -2,6 +2,7 @@
 #include "Core/CQrbMemAllocator.h"
 
 #include "Core/CBlockCache.h"
+#include "Platform/CThreadEndCall.h"
 
 #include <algorithm>
 #include <atomic>
@@ -68,6 +69,10 @@ std::size_t CQrbMemAllocator::destroyAll() noexcept
 
 void CQrbMemAllocator::destroyAllIfAlone() noexcept {}
 
+void CQrbMemAllocator::leaveThreads() noexcept {}
+
+void CQrbMemAllocator::leaveProcess() noexcept {}
+
 #else
 
 namespace {
@@ -108,42 +113,48 @@ CBlockPools& pools()
     return *present;
 }
 
-/// Gives a thread's cache back when the thread ends.
-struct CThreadEnd {
-    CThreadEnd() {} // not constant, so that naming the object in a thread registers its destructor there
-    ~CThreadEnd()
-    {
-        CBlockCache* cache = std::exchange(t_state.cache, nullptr);
-        t_state.isEnding = true;
-        if (cache == nullptr) {
-            return;
-        }
-        {
-            const std::lock_guard guard(g_cachesLock);
-            (cache->m_before != nullptr ? cache->m_before->m_next : g_caches) = cache->m_next;
-            if (cache->m_next != nullptr) {
-                cache->m_next->m_before = cache->m_before;
-            }
-            if (CBlockPools* present = g_pools.load(std::memory_order_acquire)) {
-                cache->flush(*present);
-            }
-        }
-        std::free(cache);
+/// Takes a cache out of the list. Under the lock of the caches.
+void unlinkCache(CBlockCache& cache) noexcept
+{
+    (cache.m_before != nullptr ? cache.m_before->m_next : g_caches) = cache.m_next;
+    if (cache.m_next != nullptr) {
+        cache.m_next->m_before = cache.m_before;
     }
-    bool isNamed = false;
-};
+}
 
-thread_local CThreadEnd t_end;
+/// Gives the cache of the calling thread back, which ends.
+void endThread() noexcept
+{
+    CBlockCache* cache = std::exchange(t_state.cache, nullptr);
+    t_state.isEnding = true;
+    if (cache == nullptr) {
+        return;
+    }
+    {
+        const std::lock_guard guard(g_cachesLock);
+        unlinkCache(*cache);
+        if (CBlockPools* present = g_pools.load(std::memory_order_acquire)) {
+            cache->flush(*present);
+        }
+    }
+    std::free(cache);
+}
 
+constinit platform::CThreadEndCall g_threadEnd{endThread}; // under the lock of the caches, but for the call
+
+/// A cache for the calling thread; null, now and from then on, if the thread's end cannot be followed.
 CBlockCache* makeCache()
 {
-    t_end.isNamed = true;
+    const std::lock_guard guard(g_cachesLock);
+    if (!g_threadEnd.prepare() || !g_threadEnd.wantEnd()) {
+        t_state.isEnding = true;
+        return nullptr;
+    }
     void* room = std::malloc(sizeof(CBlockCache));
     if (room == nullptr) {
         endOutOfMemory();
     }
     auto* cache = new (room) CBlockCache;
-    const std::lock_guard guard(g_cachesLock);
     cache->m_next = g_caches;
     if (g_caches != nullptr) {
         g_caches->m_before = cache;
@@ -153,10 +164,15 @@ CBlockCache* makeCache()
     return cache;
 }
 
+/// The cache of the calling thread, made if need be; null for a thread that has none any more.
+CBlockCache* cacheOfThread()
+{
+    return t_state.cache != nullptr || t_state.isEnding ? t_state.cache : makeCache();
+}
+
 [[gnu::noinline]] void* allocateSlowly(std::uint8_t classNumber)
 {
-    if (!t_state.isEnding) {
-        CBlockCache* cache = t_state.cache != nullptr ? t_state.cache : makeCache();
+    if (CBlockCache* cache = cacheOfThread()) {
         return cache->takeSlowly(pools(), classNumber);
     }
     CBlockPool& pool = pools()[classNumber];
@@ -170,11 +186,11 @@ CBlockCache* makeCache()
 
 [[gnu::noinline]] void releaseSlowly(void* block, std::uint8_t classNumber) noexcept
 {
-    if (t_state.isEnding) {
+    CBlockCache* cache = cacheOfThread();
+    if (cache == nullptr) {
         pools()[classNumber].giveBatch(new (block) CFreeBlock{nullptr, nullptr, 1});
         return;
     }
-    CBlockCache* cache = t_state.cache != nullptr ? t_state.cache : makeCache();
     if (!cache->give(block, classNumber)) {
         cache->giveSlowly(pools(), block, classNumber);
     }
@@ -315,6 +331,28 @@ void CQrbMemAllocator::destroyAllIfAlone() noexcept
     if (g_caches == nullptr || (g_caches == t_state.cache && g_caches->m_next == nullptr)) {
         destroyPools();
     }
+}
+
+void CQrbMemAllocator::leaveThreads() noexcept
+{
+    const std::lock_guard guard(g_cachesLock);
+    g_threadEnd.dismiss();
+}
+
+void CQrbMemAllocator::leaveProcess() noexcept
+{
+    leaveThreads();
+    const std::lock_guard guard(g_cachesLock);
+    while (g_caches != nullptr) {
+        CBlockCache* cache = g_caches;
+        unlinkCache(*cache);
+        if (CBlockPools* present = g_pools.load(std::memory_order_acquire)) {
+            cache->flush(*present);
+        }
+        std::free(cache);
+    }
+    t_state.cache = nullptr;
+    destroyPools();
 }
 
 #endif

@@ -37,6 +37,11 @@ public:
     /// The same, unless another living thread has used the allocator: it may be inside, and the pools stay for whoever
     /// comes next. Thread: any.
     static void destroyAllIfAlone() noexcept;
+    /// For code that is about to be unmapped: follows no thread's end any more.
+    static void leaveThreads() noexcept;
+    /// The same, and gives back what is held for threads and whatever else is not in use. No other thread is inside the
+    /// allocator, or will be.
+    static void leaveProcess() noexcept;
 };
 
 } // namespace qrb

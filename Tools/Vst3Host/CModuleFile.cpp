@@ -36,21 +36,19 @@ CModuleFile::CModuleFile(const std::string& path, std::string& error)
     if (m_handle == nullptr) {
         const char* const reason = dlerror();
         error = "'" + path + "' cannot be loaded: " + (reason != nullptr ? reason : "unknown reason");
-    } else if (!enter(error)) {
+    } else if (!start(error)) {
         error = "'" + path + "' " + error;
     }
 }
 
-bool CModuleFile::enter(std::string& error)
+bool CModuleFile::start(std::string& error)
 {
-    auto* const entry = reinterpret_cast<bool (*)(void*)>(find("ModuleEntry"));
     auto* const getFactory = reinterpret_cast<Steinberg::IPluginFactory* (*)()>(find("GetPluginFactory"));
-    if (entry == nullptr || getFactory == nullptr || find("ModuleExit") == nullptr) {
+    if (find("ModuleEntry") == nullptr || getFactory == nullptr || find("ModuleExit") == nullptr) {
         error = "is no VST 3 module";
         return false;
     }
-    m_isEntered = entry(m_handle);
-    m_factory = m_isEntered ? getFactory() : nullptr;
+    m_factory = enter() ? getFactory() : nullptr;
     if (m_factory == nullptr)
         error = "does not start";
     return m_factory != nullptr;
@@ -60,10 +58,24 @@ CModuleFile::~CModuleFile()
 {
     if (m_factory != nullptr)
         m_factory->release();
-    if (m_isEntered)
-        reinterpret_cast<bool (*)()>(find("ModuleExit"))();
+    while (m_entryCount > 0 && leave()) {
+    }
     if (m_handle != nullptr)
         dlclose(m_handle);
+}
+
+bool CModuleFile::enter()
+{
+    const bool isEntered = reinterpret_cast<bool (*)(void*)>(find("ModuleEntry"))(m_handle);
+    m_entryCount += isEntered ? 1 : 0;
+    return isEntered;
+}
+
+bool CModuleFile::leave()
+{
+    const bool isLeft = reinterpret_cast<bool (*)()>(find("ModuleExit"))();
+    m_entryCount -= isLeft ? 1 : 0;
+    return isLeft;
 }
 
 void* CModuleFile::find(const char* name) const

@@ -18,16 +18,19 @@ public:
 
     /// Null if the module could not be loaded.
     [[nodiscard]] Steinberg::IPluginFactory* factory() const { return m_factory; }
+    /// Once more, or once less, than the constructor has; the destructor makes up for it. False if refused.
+    bool enter();
+    bool leave();
     /// An exported function, or null.
     [[nodiscard]] void* find(const char* name) const;
     /// Whether a shared object is mapped into this process.
     [[nodiscard]] static bool isLoaded(const std::string& sharedObject);
 
 private:
-    [[nodiscard]] bool enter(std::string& error);
+    [[nodiscard]] bool start(std::string& error);
 
     void* m_handle = nullptr;
-    bool m_isEntered = false;
+    int m_entryCount = 0;
     Steinberg::IPluginFactory* m_factory = nullptr;
 };
 

@@ -4,6 +4,7 @@
 #include "Audio/CAudioWrapper.h"
 #include "Audio/VST/BusLayout.h"
 #include "Audio/VST/CIdleTimer.h"
+#include "Audio/VST/CModuleHold.h"
 #include "Audio/VST/CSingleComponentEffect.h"
 
 #include <pluginterfaces/vst/ivstparameterchanges.h>
@@ -19,7 +20,10 @@ class CAudioWrapperVST3ProgramParameter;
 
 /// The plug-in as a VST 3 host sees it. The host is called on its main thread only, which is the owner's, outside all
 /// locks: by the host's run loop if it gives one, and at the end of each of its calls on that thread.
-class CAudioWrapperVST3 final : public CSingleComponentEffect, public Steinberg::Vst::IUnitInfo, public CAudioWrapper {
+class CAudioWrapperVST3 final : private CModuleHold,
+                                public CSingleComponentEffect,
+                                public Steinberg::Vst::IUnitInfo,
+                                public CAudioWrapper {
 public:
     /// Where the host's run loop may be had, if not from the context of initialize(); may be null.
     explicit CAudioWrapperVST3(Steinberg::FUnknown* factoryContext);

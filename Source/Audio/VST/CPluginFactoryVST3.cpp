@@ -141,6 +141,9 @@ tresult PLUGIN_API CPluginFactoryVST3::createInstance(FIDString classId, FIDStri
     *out = nullptr;
     if (classId == nullptr || interfaceId == nullptr || std::memcmp(classId, m_classInfo.cid, sizeof(TUID)) != 0)
         return kNoInterface;
+    const CModuleHold module;
+    if (!module.isHeld())
+        return kNotInitialized; // the host has left the module, with this factory in its hand
     const IPtr<CAudioWrapperVST3> wrapper = owned(new CAudioWrapperVST3(m_hostContext));
     TUID wanted;
     std::memcpy(wanted, interfaceId, sizeof(TUID));

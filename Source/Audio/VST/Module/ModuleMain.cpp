@@ -42,3 +42,13 @@ QRB_EXPORT Steinberg::IPluginFactory* PLUGIN_API GetPluginFactory()
 {
     return qrb::CPluginFactoryVST3::get();
 }
+
+namespace {
+
+/// Behind the destructors of all static objects, by its priority.
+[[gnu::destructor(101)]] void onUnload()
+{
+    qrb::CModule::unload();
+}
+
+} // namespace
