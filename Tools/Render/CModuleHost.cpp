@@ -210,6 +210,7 @@ std::vector<CFilePlayer::CPresetText> CModuleHost::listPresets()
     const std::optional<ParamID> param = programParam(*m_host->controller);
     const std::size_t current =
         param ? programOf(m_host->controller->getParamNormalized(*param), names.size()) : names.size();
+    list.reserve(names.size());
     for (const std::string& name : names)
         list.push_back({name, "", list.size() == current});
     return list;

@@ -134,6 +134,7 @@ CChannels CVstHost::playAs(const CChannels& in, std::size_t mainCount, std::span
     // In place: the outputs lie in the memory of the main inputs.
     std::vector<std::vector<T>> memory;
     std::vector<void*> pointers;
+    pointers.reserve(in.size());
     for (const std::vector<double>& channel : in)
         memory.emplace_back(channel.begin(), channel.end());
     for (std::vector<T>& channel : memory)
