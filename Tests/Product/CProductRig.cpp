@@ -2,10 +2,13 @@
 #include "Tests/Product/CProductRig.h"
 
 #include "Audio/CAudioParamCollector.h"
+#include "Audio/CAudioParamConverter.h"
+#include "Audio/HostParams/CAudioExtParam.h"
 
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
+#include <map>
 #include <random>
 
 int promisedLatency(double sampleRate)
@@ -73,6 +76,25 @@ CProductRig& CProductRig::at(std::uint64_t frame, const std::string& setting)
     return *this;
 }
 
+CProductRig& CProductRig::move(std::uint64_t frame, int hostParam, double normal)
+{
+    m_moves.push_back({frame, hostParam, normal});
+    return *this;
+}
+
+void CProductRig::resolveMoves()
+{
+    std::map<int, int> targets;
+    for (const CTimed& each : m_moves) {
+        const qrb::CAudioExtParam& row = *m_instance->extParams()[static_cast<std::size_t>(each.index)];
+        if (!targets.contains(each.index))
+            targets[each.index] = m_instance->addTarget({&row.param(), row.group(), row.element()});
+        const qrb::CAudioParamInfo& info = *row.param().info();
+        m_timed.push_back(
+            {each.frame, targets[each.index], info.components[0].converter->fromNormal(info, 0, each.value)});
+    }
+}
+
 void CProductRig::start()
 {
     if (m_isRunning)
@@ -91,6 +113,7 @@ void CProductRig::start()
         EXPECT_TRUE(setting && m_instance->resolve(*setting, target, error)) << error;
         m_timed.push_back({frame, m_instance->addTarget(target), target.value});
     }
+    resolveMoves();
 }
 
 void CProductRig::change(const std::string& setting)

@@ -47,6 +47,8 @@ public:
     CProductRig& set(const std::string& setting);
     /// The same as an event at a sample. Before run().
     CProductRig& at(std::uint64_t frame, const std::string& setting);
+    /// One of the host's parameters, by its place in their list, from 0 to 1. Before run().
+    CProductRig& move(std::uint64_t frame, int hostParam, double normal);
 
     /// Starts the instance if it is not running and plays `in` (main channels first, then key channels), cut into blocks
     /// of `blockSize`. Gives as many frames as went in, latency and all.
@@ -67,12 +69,15 @@ private:
         double value;
     };
 
+    void resolveMoves();
+
     std::string m_error;
     render::CProductModule m_module;
     CShape m_shape;
     std::unique_ptr<render::CRenderInstance> m_instance;
     std::vector<std::string> m_settings;
     std::vector<std::pair<std::uint64_t, std::string>> m_events;
+    std::vector<CTimed> m_moves; ///< by host parameter and normalised
     std::vector<CTimed> m_timed;
     std::uint64_t m_position = 0;
     bool m_isRunning = false;

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/HostParams/CAudioExtParam.h"
+#include "Audio/Presets/CAudioParamRegistry.h"
 #include "Tests/Product/CProductRig.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
 #include <numbers>
+#include <tuple>
 
 namespace {
 
@@ -86,6 +89,58 @@ TEST(TestProductAutomation, TwoEventsAtOneSampleLeaveTheLaterValue)
     rig.at(1000, "modThumpcraft.outgain=6").at(1000, "modThumpcraft.outgain=-6");
     const CChannels out = rig.run(makeOnes(2, kFrames), 512);
     EXPECT_NEAR(out[0].back(), std::pow(10.0, -6.0 / 20.0), 1e-10);
+}
+
+TEST(TestProductAutomation, EveryHostParameterMayRampFromEndToEndHoweverFast)
+{
+    const CChannels in = makeNoise(2, 16000, 3);
+    for (int param = 0; param < 72; ++param) {
+        CProductRig rig({44100.0, 2, 2, 0, 3});
+        rig.set("io-params.grouping:0:1=1"); // a channel for each of the two groups that hosts see
+        for (const char* group : {"0", "1"}) {
+            rig.set(std::string("modThumpcraft.gate-enable:") + group + "=1");
+            for (const char* enable : {"comp-enable:", "sat-enable:"})
+                for (const char* band : {":0=1", ":1=1", ":2=1"})
+                    rig.set(std::string("modThumpcraft.") + enable + group + band);
+        }
+        // Up and down within a millisecond each, a point a sample; then within 100, a point every 15.
+        for (const auto& [start, length, step] : {std::tuple{2000, 44, 1}, {4000, 4410, 15}})
+            for (int n = 0; n <= 2 * length; n += step)
+                rig.move(static_cast<std::uint64_t>(start + n), param, 1.0 - std::abs(1.0 - n / double(length)));
+        const CChannels out = rig.run(in, 256);
+        const std::string name = rig.instance().extParams()[static_cast<std::size_t>(param)]->getName().toUtf8();
+        const bool isGain = name.ends_with("Gain") || name.ends_with("Rto");
+        for (const std::vector<double>& channel : out)
+            for (const double sample : channel)
+                ASSERT_LE(std::abs(sample), isGain ? 5.0 : 1.6) << name; // what is no number is not less, either
+    }
+}
+
+TEST(TestProductAutomation, FactoryProgramsUnderAutomationSoundTheSameHoweverTheHostCuts)
+{
+    constexpr std::size_t kShort = 3000;
+    const CChannels in = makeNoise(2, kShort, 3);
+    int programs = 1;
+    for (int program = 0; program < programs; ++program) {
+        CChannels whole;
+        for (const std::size_t blockSize : {kShort, std::size_t{512}, std::size_t{61}, std::size_t{13}}) {
+            CProductRig rig({44100.0, 2, 2, 0, 3});
+            // Two points for each parameter, many of them at neighbouring samples.
+            for (int param = 0; param < 72; ++param) {
+                rig.move(static_cast<std::uint64_t>(300 + 31 * param), param, param * 37 % 100 / 100.0);
+                rig.move(static_cast<std::uint64_t>(301 + 37 * param), param * 5 % 72, param * 11 % 100 / 100.0);
+            }
+            rig.start();
+            programs = rig.instance().paramRegistry()->getProgramCount();
+            ASSERT_FALSE(rig.instance().paramRegistry()->setCurrentProgram(program, nullptr));
+            rig.restart();
+            const CChannels out = rig.run(in, blockSize);
+            if (whole.empty())
+                whole = out;
+            ASSERT_TRUE(out == whole) << "program " << program << ", blocks of " << blockSize;
+        }
+    }
+    EXPECT_EQ(programs, 17);
 }
 
 } // namespace
