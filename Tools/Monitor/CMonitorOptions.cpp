@@ -2,7 +2,6 @@
 #include "Tools/Monitor/CMonitorOptions.h"
 
 #include "Tools/Monitor/Client/CMonitor.h"
-#include "Tools/Render/CArgReader.h"
 
 namespace monitor {
 
@@ -11,40 +10,26 @@ namespace {
 constexpr int kMaxFrames = 10'000'000;
 constexpr double kMaxFps = 100.0;
 
-/// A number from `min` to `max` behind an option.
-template <class T>
-bool takeNumber(render::CArgReader& args, const std::string& option, T min, T max, const char* range, T& out,
-                std::string& error)
+render::EOption takeOption(const std::string& option, render::CArgReader& args, CMonitorOptions& out,
+                           std::string& error)
 {
-    std::string text;
-    if (!args.takeValue(option, text))
-        return false;
-    if (render::parseWhole(text, out) && out >= min && out <= max)
-        return true;
-    error = "'" + text + "' is no number from " + range + " (option '" + option + "')";
-    return false;
-}
-
-bool takeOption(const std::string& option, render::CArgReader& args, CMonitorOptions& out, std::string& error)
-{
-    if (const render::EOption taken = render::takeHostOption(option, args, out, error);
-        taken != render::EOption::unknown)
-        return taken == render::EOption::taken;
+    using render::EOption;
+    using render::takenIf;
+    if (const EOption taken = render::takeHostOption(option, args, out, error); taken != EOption::unknown)
+        return taken;
     if (option == "--frames")
-        return takeNumber(args, option, 1, kMaxFrames, "1 to 10000000", out.frames.emplace(), error);
+        return takenIf(args.takeNumber(option, 1, kMaxFrames, "number from 1 to 10000000", out.frames.emplace()));
     if (option == "--fps")
-        return takeNumber(args, option, 1.0, kMaxFps, "1 to 100", out.fps, error);
+        return takenIf(args.takeNumber(option, 1.0, kMaxFps, "number from 1 to 100", out.fps));
     if (option == "--keys")
-        return args.takeValue(option, out.keys);
+        return takenIf(args.takeValue(option, out.keys));
     if (option == "--once")
         out.isPlayedOnce = true;
     else if (option == "--help" || option == "-h")
         out.isHelpWanted = true;
-    else {
-        error = "unknown option '" + option + "'";
-        return false;
-    }
-    return true;
+    else
+        return EOption::unknown;
+    return out.isHelpWanted ? EOption::last : EOption::taken;
 }
 
 } // namespace
@@ -53,19 +38,13 @@ std::optional<CMonitorOptions> parseOptions(const std::vector<std::string>& word
 {
     CMonitorOptions options;
     std::vector<std::string> files;
-    render::CArgReader args(words, error);
-    bool onlyFiles = false;
-    while (!args.atEnd()) {
-        const std::string& word = args.take();
-        if (!onlyFiles && word == "--")
-            onlyFiles = true;
-        else if (onlyFiles || word.size() < 2 || word[0] != '-')
-            files.push_back(word);
-        else if (!takeOption(word, args, options, error))
-            return std::nullopt;
-        if (options.isHelpWanted)
-            return options;
-    }
+    const auto take = [&](const std::string& option, render::CArgReader& args) {
+        return takeOption(option, args, options, error);
+    };
+    if (!render::readCommandLine(words, take, files, error))
+        return std::nullopt;
+    if (options.isHelpWanted)
+        return options;
     if (files.size() != 1)
         error = files.empty() ? "a file to play is needed" : "too many files: '" + files[1] + "'";
     else if (!options.keys.empty() && !options.frames)
@@ -93,6 +72,7 @@ spectrum, settings, history. Nothing is heard; the file is played over and over 
   --preset-file FILE                         start from this preset, of the whole or of a panel; repeatable
   --set PATH[:GROUP[:ELEMENT]]=TEXT          a parameter's value, PATH below plugin.modMain; repeatable
   --at SECONDS PATH[:GROUP[:ELEMENT]]=TEXT   the same as an event at that time of the first round; repeatable
+  --state FILE                               start from this state, as hosts save it
   --sidechain FILE                           key signal, behind the main channels
   --block N                                  samples a block (default 512)
   --double                                   64-bit host buffers (default 32-bit)

@@ -116,7 +116,7 @@ bool CMonitorRun::runLines(std::string& error)
     m_clientDone.wait(); // built
     for (int frame = 1; frame <= *m_options.frames && !m_isClientOver; ++frame) {
         m_player.playTo(static_cast<std::uint64_t>(std::llround(frame * m_host.sampleRate() / m_options.fps)));
-        m_host.instance().runIdle();
+        m_host.runOwner();
         m_frameBegin.signal();
         m_clientDone.wait();
     }
@@ -156,7 +156,7 @@ bool CMonitorRun::runTerminal(std::string& error)
     if (!m_player.start(true, error) || !startClient(&CMonitorRun::watchTerminal, error))
         return false;
     while (!m_isClientOver && g_endSignal == 0 && !m_player.isDamaged() && !m_player.isAtEnd()) {
-        m_host.instance().runIdle();
+        m_host.runOwner();
         if (g_isStopped.exchange(false))
             m_isSuspendWanted = true;
         static_cast<void>(m_clientDone.waitFor(kIdleSeconds));

@@ -3,8 +3,10 @@
 
 #include <charconv>
 #include <cstddef>
+#include <functional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace render {
 
@@ -49,10 +51,38 @@ public:
         return true;
     }
 
+    /// The same for a number from `min` to `max`; `what` tells the user which ones those are.
+    template <class T>
+    bool takeNumber(const std::string& option, T min, T max, const char* what, T& out)
+    {
+        std::string text;
+        if (!takeValue(option, text))
+            return false;
+        if (parseWhole(text, out) && out >= min && out <= max)
+            return true;
+        m_error = "'" + text + "' is no " + what + " (option '" + option + "')";
+        return false;
+    }
+
 private:
     std::span<const std::string> m_args;
     std::string& m_error;
     std::size_t m_next = 0;
 };
+
+/// What has become of an option; behind the last one nothing is read.
+enum class EOption { taken, unknown, failed, last };
+
+[[nodiscard]] inline EOption takenIf(bool isTaken)
+{
+    return isTaken ? EOption::taken : EOption::failed;
+}
+
+/// Takes an option with what belongs to it. Failed with one line in the reader's error.
+using COptionTaker = std::function<EOption(const std::string& option, CArgReader& args)>;
+
+/// Reads a command line: what is no option is a file, and so is all behind "--". False with one line in `error`.
+[[nodiscard]] bool readCommandLine(const std::vector<std::string>& words, const COptionTaker& take,
+                                   std::vector<std::string>& files, std::string& error);
 
 } // namespace render

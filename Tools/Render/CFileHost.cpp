@@ -29,7 +29,6 @@ bool CFileHost::prepare(bool isOffline, std::string& error)
     if (!applySettings(error))
         return false;
     m_instance.stop(); // what was set is in force from the first sample, with nothing fading
-    m_instance.reportChannels(channelCount(), keyCount());
     m_instance.start();
     runOwner();
     return collectEvents(error);
@@ -76,7 +75,7 @@ void CFileHost::processBlock(int frames)
 
 void CFileHost::runOwner()
 {
-    m_instance.runIdle();
+    m_instance.runOwner();
 }
 
 bool CFileHost::saveState(std::string& bytes, std::string& error)

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Tools/Render/CHostOptions.h"
 
-#include "Tools/Render/CArgReader.h"
-
 #include <cmath>
 
 namespace render {
@@ -53,55 +51,6 @@ bool takeEvent(CArgReader& args, const std::string& option, std::vector<CSetting
     return takeSetting(args, option, out, seconds, error);
 }
 
-bool takeBlockSize(CArgReader& args, const std::string& option, std::size_t& out, std::string& error)
-{
-    std::string text;
-    if (!args.takeValue(option, text))
-        return false;
-    if (!parseWhole(text, out) || out == 0 || out > kMaxBlockSize) {
-        error = "'" + text + "' is no block size from 1 to " + std::to_string(kMaxBlockSize);
-        return false;
-    }
-    return true;
-}
-
-bool takeRate(CArgReader& args, const std::string& option, double& out, std::string& error)
-{
-    std::string text;
-    if (!args.takeValue(option, text))
-        return false;
-    if (!parseWhole(text, out) || !(out >= 1000.0 && out <= 1e6)) {
-        error = "'" + text + "' is no sample rate from 1000 to 1000000 Hz";
-        return false;
-    }
-    return true;
-}
-
-bool takeKnown(const std::string& option, CArgReader& args, CHostOptions& out, std::string& error, bool& isKnown)
-{
-    if (option == "--set")
-        return takeSetting(args, option, out.sets, 0.0, error);
-    if (option == "--at")
-        return takeEvent(args, option, out.events, error);
-    if (option == "--sidechain")
-        return args.takeValue(option, out.sidechainFile);
-    if (option == "--preset")
-        return args.takeValue(option, out.presetName.emplace());
-    if (option == "--bank")
-        return args.takeFile(option, out.bankFile);
-    if (option == "--preset-file")
-        return args.takeFile(option, out.presetFiles.emplace_back());
-    if (option == "--state")
-        return args.takeFile(option, out.stateFile);
-    if (option == "--block")
-        return takeBlockSize(args, option, out.blockSize, error);
-    if (option == "--rate")
-        return takeRate(args, option, out.sampleRate, error);
-    isKnown = option == "--double";
-    out.useDouble = out.useDouble || isKnown;
-    return isKnown;
-}
-
 } // namespace
 
 std::optional<CSetting> parseSetting(const std::string& text, std::string& error)
@@ -121,9 +70,29 @@ std::optional<CSetting> parseSetting(const std::string& text, std::string& error
 
 EOption takeHostOption(const std::string& option, CArgReader& args, CHostOptions& out, std::string& error)
 {
-    bool isKnown = true;
-    const bool isTaken = takeKnown(option, args, out, error, isKnown);
-    return isTaken ? EOption::taken : isKnown ? EOption::failed : EOption::unknown;
+    if (option == "--set")
+        return takenIf(takeSetting(args, option, out.sets, 0.0, error));
+    if (option == "--at")
+        return takenIf(takeEvent(args, option, out.events, error));
+    if (option == "--sidechain")
+        return takenIf(args.takeFile(option, out.sidechainFile));
+    if (option == "--preset")
+        return takenIf(args.takeValue(option, out.presetName.emplace()));
+    if (option == "--bank")
+        return takenIf(args.takeFile(option, out.bankFile));
+    if (option == "--preset-file")
+        return takenIf(args.takeFile(option, out.presetFiles.emplace_back()));
+    if (option == "--state")
+        return takenIf(args.takeFile(option, out.stateFile));
+    if (option == "--block")
+        return takenIf(
+            args.takeNumber<std::size_t>(option, 1, kMaxBlockSize, "block size from 1 to 1048576", out.blockSize));
+    if (option == "--rate")
+        return takenIf(args.takeNumber(option, 1000.0, 1e6, "sample rate from 1000 to 1000000 Hz", out.sampleRate));
+    if (option != "--double")
+        return EOption::unknown;
+    out.useDouble = true;
+    return EOption::taken;
 }
 
 } // namespace render

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Tools/Render/CArgReader.h"
+
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace render {
-
-class CArgReader;
 
 /// One parameter value as told on the command line: `PATH[:GROUP[:ELEMENT]]=TEXT`, PATH below plugin.modMain or the name
 /// that hosts show.
@@ -40,8 +40,6 @@ inline constexpr std::size_t kMaxBlockSize = 1u << 20;
 
 /// Reads `PATH[:GROUP[:ELEMENT]]=TEXT`. Returns nothing with one line in `error` if it has another shape.
 [[nodiscard]] std::optional<CSetting> parseSetting(const std::string& text, std::string& error);
-
-enum class EOption { taken, unknown, failed };
 
 /// Takes an option that is the host's, with its value. Failed with one line in `error`.
 [[nodiscard]] EOption takeHostOption(const std::string& option, CArgReader& args, CHostOptions& out,

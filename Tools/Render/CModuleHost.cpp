@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Tools/Render/CModuleHost.h"
 
+#include "Tools/Render/HostText.h"
 #include "Tools/Render/Speakers.h"
 
-#include <algorithm>
 #include <pluginterfaces/vst/ivstunits.h>
-#include <strings.h>
 
 namespace render {
 
@@ -39,17 +38,6 @@ std::optional<ParamID> programParam(IEditController& controller)
             return info.id;
     }
     return std::nullopt;
-}
-
-/// Of `count` programs the one that a normalised value stands for.
-std::size_t programOf(double value, std::size_t count)
-{
-    return count > 1 ? static_cast<std::size_t>(value * static_cast<double>(count - 1) + 0.5) : 0;
-}
-
-bool hasDigit(const std::string& text)
-{
-    return std::any_of(text.begin(), text.end(), [](unsigned char c) { return c >= '0' && c <= '9'; });
 }
 
 } // namespace
@@ -110,20 +98,31 @@ bool CModuleHost::applySettings(std::string& error)
 bool CModuleHost::selectProgram(const std::string& name, std::string& error)
 {
     const std::vector<std::string> names = programNames(*m_host->component);
-    auto found = std::find(names.begin(), names.end(), name);
-    if (found == names.end())
-        found = std::find_if(names.begin(), names.end(),
-                             [&](const std::string& other) { return strcasecmp(other.c_str(), name.c_str()) == 0; });
+    const std::optional<std::size_t> index = findName(names, name);
     const std::optional<ParamID> param = programParam(*m_host->controller);
-    if (found == names.end() || !param) {
+    if (!index || !param) {
         error = "there is no preset '" + name + "' (--presets shows all)";
         return false;
     }
-    const auto last = static_cast<double>(names.size() - 1);
-    const auto index = static_cast<double>(found - names.begin());
-    m_host->controller->setParamNormalized(*param, last > 0.0 ? index / last : 0.0);
+    m_host->controller->setParamNormalized(*param, programToNormal(*index, names.size()));
     runOwner();
     return true;
+}
+
+std::optional<double> CModuleHost::readValue(const ParameterInfo& info, const std::string& text)
+{
+    if ((info.flags & ParameterInfo::kIsProgramChange) != 0)
+        return parseProgram(programNames(*m_host->component), text);
+    if (isNormalised(text))
+        return parseNormalised(text);
+    String128 wide{};
+    vst3::wideText(text, wide);
+    double value = 0.0;
+    const bool isTaken = m_host->controller->getParamValueByString(info.id, wide, value) == kResultTrue;
+    const bool isDefault = value == info.defaultNormalizedValue;
+    if (!isTaken || (isDefault && !meansDefault(text, m_host->text(info.id, value))))
+        return std::nullopt;
+    return value;
 }
 
 bool CModuleHost::resolve(const CSetting& setting, vst3::CPoint& out, std::string& error)
@@ -134,17 +133,12 @@ bool CModuleHost::resolve(const CSetting& setting, vst3::CPoint& out, std::strin
         ParameterInfo info;
         if (controller.getParameterInfo(i, info) != kResultTrue || vst3::narrowText(info.title) != setting.path)
             continue;
-        String128 text{};
-        vst3::wideText(setting.text, text);
-        double value = 0.0;
-        const bool isRead = controller.getParamValueByString(info.id, text, value) == kResultTrue;
-        // A word that cannot be read may come back as the default.
-        if (!isRead ||
-            (!hasDigit(setting.text) && strcasecmp(m_host->text(info.id, value).c_str(), setting.text.c_str()) != 0)) {
+        const std::optional<double> value = readValue(info, setting.text);
+        if (!value) {
             error = "'" + setting.text + "' is no value of '" + setting.path + "'";
             return false;
         }
-        out = {info.id, 0, value};
+        out = {info.id, 0, *value};
         return true;
     }
     error = "the module shows no parameter '" + setting.path + "' (--list shows all)";
@@ -209,7 +203,7 @@ std::vector<CFilePlayer::CPresetText> CModuleHost::listPresets()
     const std::vector<std::string> names = programNames(*m_host->component);
     const std::optional<ParamID> param = programParam(*m_host->controller);
     const std::size_t current =
-        param ? programOf(m_host->controller->getParamNormalized(*param), names.size()) : names.size();
+        param ? programOfNormal(m_host->controller->getParamNormalized(*param), names.size()) : names.size();
     list.reserve(names.size());
     for (const std::string& name : names)
         list.push_back({name, "", list.size() == current});

@@ -35,6 +35,8 @@ private:
     [[nodiscard]] bool applySettings(std::string& error);
     [[nodiscard]] bool selectProgram(const std::string& name, std::string& error);
     [[nodiscard]] bool collectEvents(std::string& error);
+    /// Reads a text for a parameter: normalised.
+    [[nodiscard]] std::optional<double> readValue(const Steinberg::Vst::ParameterInfo& info, const std::string& text);
     /// Looks a setting's parameter up and reads its text. False with one line in `error`.
     [[nodiscard]] bool resolve(const CSetting& setting, vst3::CPoint& out, std::string& error);
 

@@ -6,6 +6,9 @@
 #include "Audio/CAudioParamConverter.h"
 #include "Audio/HostParams/CAudioExtParam.h"
 #include "Audio/HostParams/SpeakerNames.h"
+#include "Audio/Presets/CAudioParamRegistry.h"
+#include "Tools/Render/CRenderPresets.h"
+#include "Tools/Render/HostText.h"
 #include "Tools/Render/Speakers.h"
 
 #include <algorithm>
@@ -15,7 +18,8 @@ namespace render {
 namespace {
 
 constexpr const char* kPrefix = "plugin.modMain.";
-constexpr int kMaxElements = 32; // what any parameter of the product can use
+constexpr const char* kProgramName = "Program"; // as hosts see it
+constexpr int kMaxElements = 32;                // what any parameter of the product can use
 
 std::string shown(const qrb::CAudioParamInfo& info, double value, const qrb::CAudioParamData* data)
 {
@@ -34,18 +38,33 @@ std::string shownElements(const qrb::CAudioParamInfo& info, const qrb::CAudioPar
     return all;
 }
 
+bool refuse(const CSetting& setting, std::string& error)
+{
+    error = "'" + setting.text + "' is no value of '" + setting.path + "'";
+    return false;
+}
+
 } // namespace
 
 bool CRenderInstance::onExtParamEvent(const qrb::CExternalEvent& event)
 {
-    const std::size_t hostCount = extParams().size();
-    const auto index = static_cast<std::size_t>(event.index);
-    if (event.index < 0 || index < hostCount)
+    if (event.index < programIndex())
         return CAudioWrapper::onExtParamEvent(event);
-    if (index - hostCount >= m_targets.size())
+    const auto place = static_cast<std::size_t>(event.index - programIndex());
+    if (place == 0)
+        m_programWish = event.value;
+    if (place == 0 || place > m_targets.size())
         return true;
-    const CTarget& target = m_targets[index - hostCount];
+    const CTarget& target = m_targets[place - 1];
     return target.param->trySetElement(target.group, target.element, event.value, this);
+}
+
+void CRenderInstance::runOwner()
+{
+    std::string ignored;
+    if (const double wish = m_programWish.exchange(-1.0); wish >= 0.0)
+        static_cast<void>(selectProgram(wish, ignored));
+    runIdle();
 }
 
 qrb::CAudioParam* CRenderInstance::findParam(const CSetting& setting, std::string& error)
@@ -82,45 +101,72 @@ bool CRenderInstance::resolve(const CSetting& setting, CTarget& out, std::string
     bool isRead = false;
     const double value =
         info.components[0].converter->parseValue(info, 0, qrb::CString::fromUtf8(setting.text), &isRead);
-    if (!isRead) {
-        error = "'" + setting.text + "' is no value of '" + setting.path + "'";
-        return false;
-    }
+    if (!isRead)
+        return refuse(setting, error);
     out = {param, setting.group, setting.element, value};
     return true;
 }
 
-qrb::CAudioExtParam* CRenderInstance::findHostParam(const CSetting& setting)
+std::vector<std::string> CRenderInstance::programNames()
+{
+    std::vector<std::string> names;
+    const std::int32_t count = paramRegistry()->getProgramCount();
+    names.reserve(static_cast<std::size_t>(count));
+    for (std::int32_t i = 0; i < count; ++i)
+        names.push_back(visibleName(paramRegistry()->getPresetName(i)));
+    return names;
+}
+
+bool CRenderInstance::selectProgram(double normal, std::string& error)
+{
+    qrb::CAudioParamRegistry& registry = *paramRegistry();
+    const std::size_t index = programOfNormal(normal, static_cast<std::size_t>(registry.getProgramCount()));
+    if (const qrb::CErrorPtr failed = registry.setCurrentProgram(static_cast<std::int32_t>(index), nullptr))
+        error = "the program cannot be used: " + failed->line(0).toUtf8();
+    return error.empty();
+}
+
+std::optional<double> CRenderInstance::readNormal(const qrb::CAudioExtParam& param, const std::string& text)
+{
+    if (isNormalised(text))
+        return parseNormalised(text);
+    const qrb::CString own = qrb::CString::fromUtf8(text);
+    const qrb::CAudioParamInfo& info = *param.param().info();
+    bool isRead = false;
+    static_cast<void>(info.components[0].converter->parseValue(info, 0, own, &isRead));
+    return isRead ? std::optional(param.parseNormal(own)) : std::nullopt;
+}
+
+bool CRenderInstance::readHostSetting(const CSetting& setting, int& index, std::optional<double>& normal)
 {
     if (setting.group != 0 || setting.element != 0)
-        return nullptr;
+        return false;
+    if (setting.path == kProgramName) {
+        index = programIndex();
+        normal = parseProgram(programNames(), setting.text);
+        return true;
+    }
     const qrb::CString name = qrb::CString::fromUtf8(setting.path);
     const std::span<qrb::CAudioExtParam* const> params = extParams();
     const auto found =
         std::find_if(params.begin(), params.end(), [&](const auto* param) { return param->getName() == name; });
-    return found != params.end() ? *found : nullptr;
-}
-
-bool CRenderInstance::readNormal(const CSetting& setting, const qrb::CAudioExtParam& param, double& out,
-                                 std::string& error)
-{
-    const qrb::CString text = qrb::CString::fromUtf8(setting.text);
-    const qrb::CAudioParamInfo& info = *param.param().info();
-    bool isRead = false;
-    static_cast<void>(info.components[0].converter->parseValue(info, 0, text, &isRead));
-    out = param.parseNormal(text);
-    if (!isRead)
-        error = "'" + setting.text + "' is no value of '" + setting.path + "'";
-    return isRead;
+    if (found == params.end())
+        return false;
+    index = (*found)->index();
+    normal = readNormal(**found, setting.text);
+    return true;
 }
 
 bool CRenderInstance::apply(const CSetting& setting, std::string& error)
 {
-    if (qrb::CAudioExtParam* const hostParam = findHostParam(setting)) {
-        double normal = 0.0;
-        if (!readNormal(setting, *hostParam, normal, error))
-            return false;
-        hostParam->setNormal(normal);
+    int index = 0;
+    std::optional<double> normal;
+    if (readHostSetting(setting, index, normal)) {
+        if (!normal)
+            return refuse(setting, error);
+        if (index == programIndex())
+            return selectProgram(*normal, error);
+        extParams()[static_cast<std::size_t>(index)]->setNormal(*normal);
         return true;
     }
     qrb::CAudioParam* param = findParam(setting, error);
@@ -140,14 +186,15 @@ bool CRenderInstance::apply(const CSetting& setting, std::string& error)
 int CRenderInstance::addTarget(const CTarget& target)
 {
     m_targets.push_back(target);
-    return static_cast<int>(extParams().size() + m_targets.size()) - 1;
+    return programIndex() + static_cast<int>(m_targets.size()); // behind all that hosts see
 }
 
 bool CRenderInstance::resolveEvent(const CSetting& setting, int& index, double& value, std::string& error)
 {
-    if (const qrb::CAudioExtParam* const hostParam = findHostParam(setting)) {
-        index = hostParam->index();
-        return readNormal(setting, *hostParam, value, error);
+    std::optional<double> normal;
+    if (readHostSetting(setting, index, normal)) {
+        value = normal.value_or(0.0);
+        return normal || refuse(setting, error);
     }
     CTarget target;
     if (!resolve(setting, target, error))

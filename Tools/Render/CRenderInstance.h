@@ -4,6 +4,8 @@
 #include "Audio/CAudioWrapper.h"
 #include "Tools/Render/CFilePlayer.h"
 
+#include <atomic>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,6 +28,8 @@ public:
     };
 
     bool onExtParamEvent(const qrb::CExternalEvent& event) override;
+    /// Does what blocks have left for the owner's thread, the program that an event has asked for first.
+    void runOwner();
 
     /// Looks a setting's parameter up and reads its text. False with one line in `error`.
     [[nodiscard]] bool resolve(const CSetting& setting, CTarget& out, std::string& error);
@@ -44,13 +48,17 @@ public:
 
 private:
     qrb::CAudioParam* findParam(const CSetting& setting, std::string& error);
-    /// The host parameter of that name, or null.
-    [[nodiscard]] qrb::CAudioExtParam* findHostParam(const CSetting& setting);
-    /// Reads a text for a host parameter: normalised.
-    [[nodiscard]] static bool readNormal(const CSetting& setting, const qrb::CAudioExtParam& param, double& out,
-                                         std::string& error);
+    /// The index by which hosts name the parameter that selects programs.
+    [[nodiscard]] int programIndex() const { return static_cast<int>(extParams().size()); }
+    [[nodiscard]] std::vector<std::string> programNames();
+    [[nodiscard]] bool selectProgram(double normal, std::string& error);
+    /// Reads a setting that names what hosts see: `index` and normalised value, none if the text is no value. Gives false
+    /// if it names something else.
+    [[nodiscard]] bool readHostSetting(const CSetting& setting, int& index, std::optional<double>& normal);
+    [[nodiscard]] static std::optional<double> readNormal(const qrb::CAudioExtParam& param, const std::string& text);
 
     std::vector<CTarget> m_targets;
+    std::atomic<double> m_programWish{-1.0}; ///< normalised, from the audio thread; negative for none
 };
 
 } // namespace render

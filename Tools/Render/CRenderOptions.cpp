@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Tools/Render/CRenderOptions.h"
 
-#include "Tools/Render/CArgReader.h"
-
 #include <utility>
 
 namespace render {
@@ -36,18 +34,18 @@ bool takeFormat(CArgReader& args, const std::string& option, EFileFormat& out, s
     return true;
 }
 
-bool takeOption(const std::string& option, CArgReader& args, CRenderOptions& out, std::string& error)
+EOption takeOption(const std::string& option, CArgReader& args, CRenderOptions& out, std::string& error)
 {
     if (const EOption taken = takeHostOption(option, args, out, error); taken != EOption::unknown)
-        return taken == EOption::taken;
+        return taken;
     if (option == "--vst3")
-        return args.takeFile(option, out.moduleFile);
+        return takenIf(args.takeFile(option, out.moduleFile));
     if (option == "--save-preset")
-        return args.takeFile(option, out.savePresetFile);
+        return takenIf(args.takeFile(option, out.savePresetFile));
     if (option == "--save-state")
-        return args.takeFile(option, out.saveStateFile);
+        return takenIf(args.takeFile(option, out.saveStateFile));
     if (option == "--format")
-        return takeFormat(args, option, out.format, error);
+        return takenIf(takeFormat(args, option, out.format, error));
     if (option == "--raw")
         out.isRaw = true;
     else if (option == "--json")
@@ -60,11 +58,9 @@ bool takeOption(const std::string& option, CArgReader& args, CRenderOptions& out
         out.task = ETask::presets;
     else if (option == "--help" || option == "-h")
         out.task = ETask::help;
-    else {
-        error = "unknown option '" + option + "'";
-        return false;
-    }
-    return true;
+    else
+        return EOption::unknown;
+    return out.task == ETask::help ? EOption::last : EOption::taken;
 }
 
 /// A hosted module takes no files of presets: those are the engine's.
@@ -89,19 +85,13 @@ std::optional<CRenderOptions> parseOptions(const std::vector<std::string>& words
 {
     CRenderOptions options;
     std::vector<std::string> files;
-    CArgReader args(words, error);
-    bool onlyFiles = false;
-    while (!args.atEnd()) {
-        const std::string& word = args.take();
-        if (!onlyFiles && word == "--")
-            onlyFiles = true;
-        else if (onlyFiles || word.size() < 2 || word[0] != '-')
-            files.push_back(word);
-        else if (!takeOption(word, args, options, error))
-            return std::nullopt;
-        if (options.task == ETask::help)
-            return options;
-    }
+    const auto take = [&](const std::string& option, CArgReader& args) {
+        return takeOption(option, args, options, error);
+    };
+    if (!readCommandLine(words, take, files, error))
+        return std::nullopt;
+    if (options.task == ETask::help)
+        return options;
     const bool isSaving = !options.savePresetFile.empty() || !options.saveStateFile.empty();
     if (options.task == ETask::render && files.empty() && isSaving)
         options.task = ETask::save;
@@ -132,6 +122,8 @@ const char* helpText()
   --preset-file FILE                         start from this preset, of the whole or of a panel; repeatable
   --set PATH[:GROUP[:ELEMENT]]=TEXT          a parameter's value, PATH below plugin.modMain or a host parameter's name
                                              (the only ones with --vst3); repeatable
+      NAME=@VALUE                            a host parameter's normalised value, from 0 to 1
+      Program=NAME                           the same as --preset NAME, but among the settings and events
   --at SECONDS PATH[:GROUP[:ELEMENT]]=TEXT   the same as an event at that time; repeatable
   --save-preset FILE                         save the settings before the first sample as a preset; IN and OUT may be left out
   --save-state FILE                          save them as a state for hosts

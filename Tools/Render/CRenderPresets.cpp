@@ -7,6 +7,7 @@
 #include "Core/CWriteSeqBuffer.h"
 #include "Tools/Product/BoundedFile.h"
 #include "Tools/Product/CPresetFile.h"
+#include "Tools/Render/HostText.h"
 
 #include <algorithm>
 #include <utility>
@@ -16,21 +17,17 @@ namespace render {
 namespace {
 
 /// Place of the name in the list: as a whole, as users see it, as users see it in whatever case; -1 if it is not there.
-std::int32_t findName(const std::vector<qrb::CString>& names, const std::string& name)
+std::int32_t findPreset(const std::vector<qrb::CString>& names, const std::string& name)
 {
     const qrb::CString wanted = qrb::CString::fromUtf8(name);
-    const auto visible = [](const qrb::CString& whole) {
-        qrb::CAudioPreset preset;
-        preset.name = whole;
-        return preset.visibleName();
-    };
-    auto found = std::find(names.begin(), names.end(), wanted);
-    if (found == names.end())
-        found = std::find_if(names.begin(), names.end(), [&](const auto& n) { return visible(n) == wanted; });
-    if (found == names.end())
-        found = std::find_if(names.begin(), names.end(),
-                             [&](const auto& n) { return visible(n).compareNoCase(wanted) == 0; });
-    return found == names.end() ? -1 : static_cast<std::int32_t>(found - names.begin());
+    if (const auto found = std::find(names.begin(), names.end(), wanted); found != names.end())
+        return static_cast<std::int32_t>(found - names.begin());
+    std::vector<std::string> visible;
+    visible.reserve(names.size());
+    for (const qrb::CString& whole : names)
+        visible.push_back(visibleName(whole));
+    const std::optional<std::size_t> index = findName(visible, name);
+    return index ? static_cast<std::int32_t>(*index) : -1;
 }
 
 std::vector<qrb::CString> namesOf(const std::vector<qrb::CAudioPreset>& presets)
@@ -74,6 +71,13 @@ qrb::CAudioPreset toPreset(const product::CPreset& from)
 }
 
 } // namespace
+
+std::string visibleName(const qrb::CString& whole)
+{
+    qrb::CAudioPreset preset;
+    preset.name = whole;
+    return preset.visibleName().toUtf8();
+}
 
 bool CRenderPresets::readFile(const std::string& path, std::vector<qrb::CAudioPreset>& out, std::string& error)
 {
@@ -127,7 +131,8 @@ bool CRenderPresets::activateBuiltIn(qrb::CAudioWrapper& instance, std::string& 
 {
     qrb::CAudioParamRegistry* const master = instance.paramRegistry();
     std::int32_t current = 0;
-    const std::int32_t index = master != nullptr ? findName(programNames(*master, current), *m_options.presetName) : -1;
+    const std::int32_t index =
+        master != nullptr ? findPreset(programNames(*master, current), *m_options.presetName) : -1;
     if (index < 0)
         error = "there is no preset '" + *m_options.presetName + "' (--presets shows all)";
     else if (const qrb::CErrorPtr failed = master->setCurrentProgram(index, nullptr))
@@ -137,7 +142,7 @@ bool CRenderPresets::activateBuiltIn(qrb::CAudioWrapper& instance, std::string& 
 
 bool CRenderPresets::activateOfBank(qrb::CAudioWrapper& instance, std::string& error)
 {
-    const std::int32_t index = m_options.presetName ? findName(namesOf(m_bank), *m_options.presetName) : 0;
+    const std::int32_t index = m_options.presetName ? findPreset(namesOf(m_bank), *m_options.presetName) : 0;
     if (index >= 0)
         return activateOne(instance, m_bank[static_cast<std::size_t>(index)], m_options.bankFile, error);
     error = "there is no preset '" + *m_options.presetName + "' in '" + m_options.bankFile + "' (--presets shows all)";
@@ -166,8 +171,8 @@ std::vector<CFilePlayer::CPresetText> CRenderPresets::list(qrb::CAudioWrapper& i
     for (const qrb::CString& name : names) {
         qrb::CAudioPreset preset;
         preset.name = name;
-        texts.push_back({preset.visibleName().toUtf8(), preset.registryId().toUtf8(),
-                         static_cast<std::size_t>(current) == texts.size()});
+        texts.push_back(
+            {visibleName(name), preset.registryId().toUtf8(), static_cast<std::size_t>(current) == texts.size()});
     }
     return texts;
 }

@@ -13,6 +13,9 @@ class CAudioWrapper;
 
 namespace render {
 
+/// A preset's name as users see it, of its whole name.
+[[nodiscard]] std::string visibleName(const qrb::CString& whole);
+
 /// The presets of a command line: one of the built-in bank or of a bank's file, and those of files of their own.
 class CRenderPresets {
 public:

@@ -2,6 +2,7 @@
 #include "Tools/Render/CRenderReport.h"
 
 #include <algorithm>
+#include <cmath>
 #include <unistd.h>
 
 namespace render {
@@ -18,6 +19,14 @@ double durationOf(const CRenderSummary& summary)
 double timesRealTime(const CRenderSummary& summary)
 {
     return summary.seconds > 0.0 ? durationOf(summary) / summary.seconds : 0.0;
+}
+
+/// JSON knows finite numbers only.
+std::string jsonLevel(double decibels)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%.4f", decibels);
+    return std::isfinite(decibels) ? text : "null";
 }
 
 /// For a terminal, which a name from a file has not to command.
@@ -105,11 +114,12 @@ void printSummaryJson(std::FILE* to, const CRenderSummary& s)
 {
     std::fprintf(to,
                  "{\"in\": %s, \"out\": %s, \"channels\": %d, \"sampleRate\": %.0f, \"frames\": %llu, "
-                 "\"seconds\": %.6f, \"timesRealTime\": %.2f, \"blockSize\": %zu, \"peakInDb\": %.4f, "
-                 "\"rmsInDb\": %.4f, \"peakOutDb\": %.4f, \"rmsOutDb\": %.4f, \"latency\": %d}\n",
+                 "\"seconds\": %.6f, \"timesRealTime\": %.2f, \"blockSize\": %zu, \"peakInDb\": %s, "
+                 "\"rmsInDb\": %s, \"peakOutDb\": %s, \"rmsOutDb\": %s, \"latency\": %d}\n",
                  jsonString(s.inFile).c_str(), jsonString(s.outFile).c_str(), s.channels, s.sampleRate,
-                 static_cast<unsigned long long>(s.frames), durationOf(s), timesRealTime(s), s.blockSize, s.in.peakDb(),
-                 s.in.rmsDb(), s.out.peakDb(), s.out.rmsDb(), s.latency);
+                 static_cast<unsigned long long>(s.frames), durationOf(s), timesRealTime(s), s.blockSize,
+                 jsonLevel(s.in.peakDb()).c_str(), jsonLevel(s.in.rmsDb()).c_str(), jsonLevel(s.out.peakDb()).c_str(),
+                 jsonLevel(s.out.rmsDb()).c_str(), s.latency);
 }
 
 CProgressBar::CProgressBar() : m_isTerminal(isatty(STDERR_FILENO) == 1) {}
