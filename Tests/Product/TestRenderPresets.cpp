@@ -1,68 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Tests/Product/CProductRig.h"
-#include "Tools/Product/BoundedFile.h"
-#include "Tools/Product/CPresetFile.h"
-#include "Tools/Render/CRenderJob.h"
+#include "Tests/Support/CRenderFixture.h"
 
-#include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace {
 
-namespace fs = std::filesystem;
-
-class TestRenderPresets : public testing::Test {
+class TestRenderPresets : public CRenderFixture {
 protected:
-    void SetUp() override
-    {
-        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-        m_folder = fs::temp_directory_path() / (std::string("thumpcraft-") + info->name() + std::to_string(getpid()));
-        fs::create_directories(m_folder);
-        const CChannels noise = makeNoise(3, 2000);
-        std::vector<double> interleaved;
-        for (std::size_t frame = 0; frame < 2000; ++frame)
-            for (const std::vector<double>& channel : noise)
-                interleaved.push_back(channel[frame]);
-        render::CSoundFileWriter file;
-        std::string error;
-        EXPECT_TRUE(file.open(path("in.wav"), 3, 44100.0, render::EFileFormat::float64, error)) << error;
-        EXPECT_TRUE(file.write(interleaved, error) && file.finish(error)) << error;
-    }
-    void TearDown() override { fs::remove_all(m_folder); }
-
-    std::string path(const std::string& name) const { return (m_folder / name).string(); }
-
-    std::string content(const std::string& name)
-    {
-        std::string bytes;
-        EXPECT_EQ(product::readBoundedFile(path(name), product::kMaxFileBytes, bytes), "");
-        return bytes;
-    }
-
-    /// Runs the tool; gives the error line, empty on success.
-    std::string run(const std::vector<std::string>& words)
-    {
-        std::string error;
-        const std::optional<render::CRenderOptions> options = render::parseOptions(words, error);
-        if (!options)
-            return error;
-        const render::CProductModule module(error);
-        render::CRenderJob job(*options);
-        testing::internal::CaptureStdout();
-        const bool isDone = module.isEntered() && job.run(error);
-        m_printed = testing::internal::GetCapturedStdout();
-        return isDone ? std::string() : error;
-    }
+    TestRenderPresets() { writeAudio("in.wav", 44100.0, makeNoise(3, 2000)); }
 
     /// Renders with these words in front; gives what stands for the samples of the output.
     std::size_t rendered(std::vector<std::string> words)
     {
         words.insert(words.end(), {path("in.wav"), path("out.wav")});
         EXPECT_EQ(run(words), "");
-        const std::string file = content("out.wav");
-        return std::hash<std::string>()(file.substr(file.find("data"))); // in front of it stands the time
+        return std::hash<std::string>()(samples("out.wav"));
     }
 
     product::CPreset saved(const std::string& file, std::vector<std::string> words)
@@ -85,9 +38,6 @@ protected:
         EXPECT_TRUE(product::writePresetFile(file, bytes, error)) << error;
         std::ofstream(path(name), std::ios::binary) << bytes;
     }
-
-    fs::path m_folder;
-    std::string m_printed;
 };
 
 /// The item alone, as a panel's or a sparse preset has it.
@@ -182,7 +132,7 @@ TEST_F(TestRenderPresets, WhatCannotBeDoneIsOneLineAndLeavesNoFile)
         const std::string error = run(all);
         EXPECT_NE(error.find(wanted), std::string::npos) << error;
         EXPECT_EQ(error.find('\n'), std::string::npos);
-        EXPECT_FALSE(fs::exists(out));
+        EXPECT_FALSE(std::filesystem::exists(out));
     }
     EXPECT_NE(run({"--save-preset", path("nowhere/x")}).find("cannot write"), std::string::npos);
     EXPECT_NE(run({"--save-preset", "/dev/null"}).find("not a regular file"), std::string::npos);

@@ -1,42 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Tests/Product/CProductRig.h"
-#include "Tools/Render/CRenderJob.h"
+#include "Tests/Support/CRenderFixture.h"
 
 #include <cmath>
-#include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace {
 
-namespace fs = std::filesystem;
-
-/// A folder of its own for each test, with a noise file to render.
-class TestRenderTool : public testing::Test {
+class TestRenderTool : public CRenderFixture {
 protected:
-    void SetUp() override
-    {
-        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-        m_folder = fs::temp_directory_path() / (std::string("thumpcraft-") + info->name() + std::to_string(getpid()));
-        fs::create_directories(m_folder);
-    }
-    void TearDown() override { fs::remove_all(m_folder); }
-
-    std::string path(const std::string& name) const { return (m_folder / name).string(); }
-
-    /// Writes noise as 64-bit floats.
     CChannels writeNoise(const std::string& name, int channels, std::size_t frames, double rate)
     {
         const CChannels noise = makeNoise(static_cast<std::size_t>(channels), frames);
-        std::vector<double> interleaved;
-        for (std::size_t frame = 0; frame < frames; ++frame)
-            for (const std::vector<double>& channel : noise)
-                interleaved.push_back(channel[frame]);
-        render::CSoundFileWriter file;
-        std::string error;
-        EXPECT_TRUE(file.open(path(name), channels, rate, render::EFileFormat::float64, error)) << error;
-        EXPECT_TRUE(file.write(interleaved, error) && file.finish(error)) << error;
+        writeAudio(name, rate, noise);
         return noise;
     }
 
@@ -54,27 +30,12 @@ protected:
         return out;
     }
 
-    /// Renders in.wav to out.wav, or whatever `words` say, in one band so that the phase stays; gives the error line,
-    /// empty on success.
-    std::string render(std::vector<std::string> words)
+    /// Runs with one band, so that the phase stays.
+    std::string render(CWords words)
     {
         words.insert(words.begin(), {"--set", "modThumpcraft.xo-count=0"});
-        std::string error;
-        const std::optional<render::CRenderOptions> options = render::parseOptions(words, error);
-        if (!options)
-            return error;
-        const render::CProductModule module(error);
-        if (!module.isEntered())
-            return error;
-        render::CRenderJob job(*options);
-        testing::internal::CaptureStdout();
-        const bool isDone = job.run(error);
-        m_printed = testing::internal::GetCapturedStdout();
-        return isDone ? std::string() : error;
+        return run(words);
     }
-
-    fs::path m_folder;
-    std::string m_printed;
 };
 
 TEST_F(TestRenderTool, OutputIsAlignedAndAsLongAsTheInputForAnyChannelCountAndRate)
@@ -113,6 +74,17 @@ TEST_F(TestRenderTool, SettingsAndEventsReachTheirParameters)
     const double low = std::pow(10.0, -0.3);
     EXPECT_NEAR(out[0][22049], in[0][22049] * low, 1e-10);
     EXPECT_NEAR(out[0][22050 + 662], in[0][22050 + 662], 1e-10);
+}
+
+TEST_F(TestRenderTool, RoutingOfFewerChannelsThanTheFileHasIsKept)
+{
+    const CChannels in = writeNoise("in.wav", 2, 2000, 44100.0);
+    ASSERT_EQ(render({path("in.wav"), path("out.wav"), "--format", "double", "--double", "--set",
+                      "io-params.in-routing:0:1=0", "--set", "io-params.out-routing:0:1=0"}),
+              "");
+    const CChannels out = readFile("out.wav");
+    EXPECT_LE(largestDifference(out[0], in[0], 0), 1e-10);
+    EXPECT_EQ(out[1], std::vector<double>(2000, 0.0));
 }
 
 TEST_F(TestRenderTool, IntegerFormatsLimitInsteadOfWrappingAround)
@@ -165,9 +137,9 @@ TEST_F(TestRenderTool, WhatCannotBeDoneIsOneLineAndLeavesNoFile)
             told += word + " ";
         EXPECT_FALSE(error.empty()) << told;
         EXPECT_EQ(error.find('\n'), std::string::npos) << error;
-        EXPECT_FALSE(fs::exists(out)) << told;
+        EXPECT_FALSE(std::filesystem::exists(out)) << told;
     }
-    EXPECT_EQ(std::distance(fs::directory_iterator(m_folder), {}), 4) << "something half-written was left";
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_folder), {}), 4) << "something half-written was left";
 }
 
 TEST_F(TestRenderTool, ListNamesEveryParameterWithItsRange)

@@ -1,17 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Tools/Product/BoundedFile.h"
-#include "Tools/Render/CProductModule.h"
-#include "Tools/Render/CRenderJob.h"
-#include "Tools/Render/CSoundFile.h"
+#include "Tests/Support/CRenderFixture.h"
 
-#include <filesystem>
-#include <gtest/gtest.h>
+#include <limits>
 #include <random>
-#include <unistd.h>
 
 namespace {
 
-namespace fs = std::filesystem;
 using CWords = std::vector<std::string>;
 
 CWords operator+(CWords a, const CWords& b)
@@ -23,63 +17,31 @@ CWords operator+(CWords a, const CWords& b)
 constexpr const char* kModule = THUMPCRAFT_MODULE;
 
 /// Renders with the engine that is linked in, and with the built module in a host.
-class TestVst3Render : public testing::Test {
+class TestVst3Render : public CRenderFixture {
 protected:
-    void SetUp() override
+    TestVst3Render()
     {
-        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-        m_folder = fs::temp_directory_path() / (std::string("thumpcraft-") + info->name() + std::to_string(getpid()));
-        fs::create_directories(m_folder);
-        for (const int channels : {1, 2, 3, 8}) {
-            std::mt19937 engine(static_cast<unsigned>(channels));
-            std::vector<double> samples(static_cast<std::size_t>(channels) * 9000);
-            for (double& sample : samples)
-                sample = static_cast<double>(engine()) / 4294967296.0 - 0.5;
-            render::CSoundFileWriter file;
-            std::string error;
-            EXPECT_TRUE(
-                file.open(path(std::to_string(channels)), channels, 48000.0, render::EFileFormat::float64, error));
-            EXPECT_TRUE(file.write(samples, error) && file.finish(error)) << error;
+        for (const std::size_t count : {1U, 2U, 3U, 8U}) {
+            std::mt19937 engine(static_cast<unsigned>(count));
+            std::vector<std::vector<double>> channels(count, std::vector<double>(9000));
+            for (std::vector<double>& channel : channels)
+                for (double& sample : channel)
+                    sample = static_cast<double>(engine()) / 4294967296.0 - 0.5;
+            writeAudio(std::to_string(count), 48000.0, channels);
         }
     }
-    void TearDown() override { fs::remove_all(m_folder); }
 
-    [[nodiscard]] std::string path(const std::string& name) const { return (m_folder / (name + ".wav")).string(); }
-    [[nodiscard]] std::string content(const std::string& name) const
+    std::string runAs(const CWords& words, bool isHosted)
     {
-        std::string bytes;
-        EXPECT_EQ(product::readBoundedFile(path(name), std::size_t{1} << 26, bytes), "");
-        return bytes;
+        return run(isHosted ? CWords{"--vst3", kModule} + words : words);
     }
 
-    /// Gives the error line, empty on success.
-    static std::string run(const CWords& words, bool isHosted)
+    std::string rendered(const CWords& words, bool isHosted)
     {
-        CWords all = words;
-        if (isHosted)
-            all.insert(all.begin(), {"--vst3", kModule});
-        std::string error;
-        const std::optional<render::CRenderOptions> options = render::parseOptions(all, error);
-        if (!options)
-            return error;
-        const render::CProductModule module(error);
-        render::CRenderJob job(*options);
-        testing::internal::CaptureStdout();
-        const bool isDone = job.run(error);
-        testing::internal::GetCapturedStdout();
-        return isDone ? "" : error;
+        EXPECT_EQ(runAs(words + CWords{"--format", "double", path("out")}, isHosted), "")
+            << testing::PrintToString(words);
+        return samples("out");
     }
-
-    /// The samples of a rendering, and what stands behind them.
-    std::string rendered(CWords words, bool isHosted)
-    {
-        words.insert(words.end(), {"--format", "double", path("out")});
-        EXPECT_EQ(run(words, isHosted), "") << testing::PrintToString(words);
-        const std::string bytes = content("out");
-        return bytes.substr(bytes.find("data")); // in front of it stands the time
-    }
-
-    fs::path m_folder;
 };
 
 TEST_F(TestVst3Render, BothWaysGiveTheSameBits)
@@ -92,6 +54,8 @@ TEST_F(TestVst3Render, BothWaysGiveTheSameBits)
         {path("2"), "--sidechain", path("1"), "--set", "1C2Enab=On", "--set", "1C2Thrs=-40", "--set", "1C2Rto=8:1"},
         {path("2"), "--double", "--at", "0.05", "Bands=1", "--at", "0.0501", "1S1Enab=On", "--at", "0.1", "Bypass=On",
          "--block", "64"},
+        {path("2"), "--set", "Program=soft saturation", "--set", "1OGain=@0.25", "--set", "1C1Rto=2:1"},
+        {path("1"), "--at", "0.05", "Program=Creamy Drums", "--at", "0.1", "1DryMix=@0.5", "--block", "100"},
     };
     std::string last;
     for (const CWords& words : cases) {
@@ -107,28 +71,55 @@ TEST_F(TestVst3Render, StatesGoBothWays)
     const CWords settings{"--preset", "Creamy Drums", "--set", "1O1Gain=-3", "--set", "1S3Enab=On"};
     const std::string expected = rendered(settings + CWords{path("2")}, false);
     for (const bool isSavedByHost : {false, true}) {
-        ASSERT_EQ(run(settings + CWords{"--save-state", path("state")}, isSavedByHost), "");
+        ASSERT_EQ(runAs(settings + CWords{"--save-state", path("state")}, isSavedByHost), "");
         for (const bool isHosted : {false, true})
             EXPECT_TRUE(expected == rendered({"--state", path("state"), path("2")}, isHosted));
     }
+}
+
+TEST_F(TestVst3Render, BothWaysRefuseWhatTheyCannotRead)
+{
+    for (const char* setting : {"1OGain=loud", "1OGain=loud3", "1OGain=3 dB", "Oversmp=4XX", "Bypass=yes",
+                                "1C1Rto=inf:1", "1OGain=@1.5", "1OGain=@", "Program=nobody"}) {
+        const std::string engine = runAs({"--set", setting, path("2"), path("out")}, false);
+        EXPECT_NE(engine.find("is no value of"), std::string::npos) << setting;
+        EXPECT_EQ(runAs({"--set", setting, path("2"), path("out")}, true), engine);
+    }
+    EXPECT_FALSE(std::filesystem::exists(path("out")));
+}
+
+TEST_F(TestVst3Render, SurvivesSamplesThatAreNoNumbers)
+{
+    std::vector<double> samples(3000, 0.1);
+    samples[500] = std::numeric_limits<double>::quiet_NaN();
+    samples[900] = std::numeric_limits<double>::infinity();
+    writeAudio("odd", 48000.0, {samples, samples});
+    const CWords words{path("odd"), "--preset", "Mix Glue", "--json", "--block", "1048576"};
+    EXPECT_TRUE(rendered(words, false) == rendered(words, true));
+    EXPECT_NE(m_printed.find("\"peakInDb\": null, "), std::string::npos) << m_printed;
 }
 
 TEST_F(TestVst3Render, WhatAModuleCannotDoIsOneLine)
 {
     const CWords files{path("2"), path("out")};
     const std::vector<CWords> wrong{
-        {"--bank", path("2")},     {"--preset-file", path("2")},         {"--save-preset", path("x")},
-        {"--preset", "nobody"},    {"--set", "modThumpcraft.outgain=1"}, {"--set", "1OGain=loud"},
-        {"--set", "1OGain:0:1=1"}, {"--at", "100", "1OGain=1"},          {"--sidechain", path("8")},
-        {"--state", path("2")}};
+        {"--bank", path("2")},       {"--preset-file", path("2")},         {"--save-preset", path("x")},
+        {"--preset", "nobody"},      {"--set", "modThumpcraft.outgain=1"}, {"--set", "1OGain:0:1=1"},
+        {"--at", "100", "1OGain=1"}, {"--sidechain", path("8")},           {"--state", path("2")}};
     for (const CWords& words : wrong) {
-        const std::string error = run(words + files, true);
+        const std::string error = runAs(words + files, true);
         EXPECT_FALSE(error.empty()) << testing::PrintToString(words);
         EXPECT_EQ(error.find('\n'), std::string::npos) << error;
-        EXPECT_FALSE(fs::exists(path("out")));
+        EXPECT_FALSE(std::filesystem::exists(path("out")));
     }
-    for (const std::string& module : {path("2"), path("missing"), m_folder.string(), std::string("/proc/self/exe")})
-        EXPECT_NE(run(CWords{"--vst3", module} + files, false), "") << module;
+    std::filesystem::create_directories(path("Bundle.vst3/Contents/x86_64-linux"));
+    const std::pair<std::string, const char*> modules[] = {{path("2"), "cannot be loaded"},
+                                                           {path("missing"), "there is no module"},
+                                                           {m_folder.string(), "there is no module"},
+                                                           {path("Bundle.vst3"), "there is no module"},
+                                                           {"libz.so.1", "there is no module"}};
+    for (const auto& [module, message] : modules)
+        EXPECT_NE(run(CWords{"--vst3", module} + files).find(message), std::string::npos) << module;
 }
 
 } // namespace
