@@ -5,8 +5,10 @@
 #include "Core/CQrbMemAllocator.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <new>
+#include <utility>
 
 namespace qrb {
 
@@ -58,18 +60,39 @@ CSampleBufferHeader* CSampleBufferPool::allocate(std::size_t bytes, int bin)
     return header;
 }
 
+CSampleBufferHeader* CSampleBufferPool::takeFree(int bin) noexcept
+{
+    if (bin < kBinCount) {
+        const std::uint64_t fitting = m_filled >> bin;
+        if (fitting == 0)
+            return nullptr;
+        bin += std::countr_zero(fitting);
+    }
+    CSampleBufferHeader*& list = m_free[static_cast<std::size_t>(bin)];
+    CSampleBufferHeader* header = list;
+    if (header == nullptr)
+        return nullptr;
+    list = header->nextFree;
+    if (list == nullptr && bin < kBinCount)
+        m_filled &= ~(std::uint64_t{1} << bin);
+    return header;
+}
+
+void CSampleBufferPool::keepFree(CSampleBufferHeader& header) noexcept
+{
+    header.nextFree = std::exchange(m_free[static_cast<std::size_t>(header.bin)], &header);
+    if (header.bin < kBinCount)
+        m_filled |= std::uint64_t{1} << header.bin;
+}
+
 CSampleBuffer CSampleBufferPool::get(int sampleCount)
 {
     const std::size_t bytes = bytesOf(sampleCount);
     const int bin = binOf(bytes);
-    CSampleBufferHeader*& list = m_free[static_cast<std::size_t>(bin)];
-    CSampleBufferHeader* header = list;
-    if (header != nullptr) {
-        list = header->nextFree;
-        if (header->capacity < bytes) { // only the list of large ones mixes sizes
-            CQrbMemAllocator::release(header->rawBlock);
-            header = nullptr;
-        }
+    CSampleBufferHeader* header = takeFree(bin);
+    if (header != nullptr && header->capacity < bytes) { // only the list of large ones mixes sizes
+        CQrbMemAllocator::release(header->rawBlock);
+        header = nullptr;
     }
     if (header == nullptr) {
         header = allocate(bytes, bin);
@@ -111,19 +134,13 @@ void CSampleBufferPool::prefill(int sampleCount, int count)
 {
     const std::size_t bytes = bytesOf(sampleCount);
     const int bin = binOf(bytes);
-    CSampleBufferHeader*& list = m_free[static_cast<std::size_t>(bin)];
-    for (int i = 0; i < count; ++i) {
-        CSampleBufferHeader* header = allocate(bytes, bin);
-        header->nextFree = list;
-        list = header;
-    }
+    for (int i = 0; i < count; ++i)
+        keepFree(*allocate(bytes, bin));
 }
 
 void CSampleBufferPool::release(CSampleBufferHeader* header) noexcept
 {
-    CSampleBufferHeader*& list = m_free[static_cast<std::size_t>(header->bin)];
-    header->nextFree = list;
-    list = header;
+    keepFree(*header);
     --m_usedCount;
 }
 

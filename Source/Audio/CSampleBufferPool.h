@@ -6,12 +6,14 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 
 namespace qrb {
 
 /// Sample buffers of one plug-in instance, kept in lists by size so that a running graph allocates nothing.
 ///
-/// Bins are 512 bytes wide; what is larger than the 64 bins shares one list. Outlives all its buffers.
+/// Bins are 512 bytes wide; what is larger than the 64 bins shares one list. Where a bin has run out, a free buffer of a
+/// wider one serves, so that a host which cuts its blocks anyhow does not fill every bin. Outlives all its buffers.
 /// Thread: audio.
 class CSampleBufferPool : public CCheckedObject {
 public:
@@ -39,8 +41,12 @@ private:
     friend class CSampleBuffer;
     void release(CSampleBufferHeader* header) noexcept;
     [[nodiscard]] CSampleBufferHeader* allocate(std::size_t bytes, int bin);
+    /// A free buffer of that bin, or of the next wider one that has any; null when there is none.
+    [[nodiscard]] CSampleBufferHeader* takeFree(int bin) noexcept;
+    void keepFree(CSampleBufferHeader& header) noexcept;
 
     std::array<CSampleBufferHeader*, kBinCount + 1> m_free{};
+    std::uint64_t m_filled = 0; ///< a bit for each bin that has free buffers
     int m_usedCount = 0;
 };
 

@@ -42,6 +42,25 @@ TEST(CSampleBufferPool, LargeBuffersShareAListAndAreReplacedWhenTooSmall)
     EXPECT_EQ(CQrbMemAllocator::allocateCount(), before + 2);
 }
 
+TEST(CSampleBufferPool, AWiderBufferServesWhereABinHasRunOutAndStaysWide)
+{
+    CSampleBufferPool pool;
+    pool.prefill(512, 1);
+    pool.prefill(100, 1);
+    const std::uint64_t before = CQrbMemAllocator::allocateCount();
+    for (int round = 0; round < 2; ++round) {
+        const CSampleBuffer nearest = pool.get(30);
+        const CSampleBuffer next = pool.get(30);
+        EXPECT_EQ(nearest.capacity(), 128);
+        EXPECT_EQ(next.capacity(), 512);
+    }
+    EXPECT_EQ(CQrbMemAllocator::allocateCount(), before);
+    const CSampleBuffer whole = pool.get(512);
+    EXPECT_EQ(CQrbMemAllocator::allocateCount(), before);
+    const CSampleBuffer own = pool.get(130);
+    EXPECT_EQ(own.capacity(), 192);
+}
+
 TEST(CSampleBufferPool, PrefilledSizesAllocateNothing)
 {
     CSampleBufferPool pool;

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "Audio/CAudioParamCollector.h"
+#include "Audio/Presets/CAudioParamRegistry.h"
 #include "Core/CQrbMemAllocator.h"
 #include "Tests/Product/CProductRig.h"
 #include "Tests/Product/SystemAllocations.h"
@@ -6,7 +8,9 @@
 #include <barrier>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <memory>
+#include <random>
 #include <thread>
 
 namespace {
@@ -93,6 +97,66 @@ TEST(TestProductRealTime, ANewPairOfChannelsTakesNothingFromTheSystem)
     const int index = rig.instance().addTarget(target);
     const auto kind = qrb::EExternalEventKind::parameter;
     EXPECT_EQ(costOfBlocks(rig, 2, {{100, kind, index, 0.0}, {300, kind, index, 1.0}}).system, 0u);
+}
+
+/// Plays blocks of all lengths, in which host parameters move, and switches programs and rates between them.
+void playASession(CProductRig& rig, std::mt19937& random, int blocks)
+{
+    constexpr int kHostParams = 72;
+    constexpr int kPrograms = 17;
+    constexpr int kLongest = 600;
+    constexpr double kRates[] = {44100.0, 96000.0};
+    const CChannels in = makeNoise(2, kLongest);
+    CChannels out = in;
+    const void* const inputs[] = {in[0].data(), in[1].data()};
+    void* const outputs[] = {out[0].data(), out[1].data()};
+    render::CRenderInstance& instance = rig.instance();
+    for (int block = 0; block < blocks; ++block) {
+        if (block % 500 == 499) {
+            instance.stop();
+            instance.setSampleRate(kRates[random() % 2]);
+            instance.start();
+        }
+        if (block % 25 == 24) {
+            const int program = static_cast<int>(random() % kPrograms);
+            EXPECT_FALSE(instance.paramRegistry()->setCurrentProgram(program, nullptr));
+        }
+        const int length = 1 + static_cast<int>(random() % kLongest);
+        for (int events = static_cast<int>(random() % 3); events > 0; --events)
+            instance.addEvent({static_cast<int>(random() % static_cast<unsigned>(length)),
+                               qrb::EExternalEventKind::parameter, static_cast<int>(random() % kHostParams),
+                               static_cast<double>(random()) / 4294967296.0});
+        instance.processBlock(inputs, outputs, length);
+        instance.paramCollector().runDeferred();
+    }
+}
+
+TEST(TestProductRealTime, ALongSessionTakesNoMoreMemoryThanItsBeginning)
+{
+    CProductRig rig({});
+    rig.start();
+    const auto bytesInUse = [] {
+        const struct mallinfo2 info = mallinfo2();
+        return info.uordblks + info.hblkhd;
+    };
+    const std::size_t begin = bytesInUse();
+    std::size_t chunks = 0;
+    std::size_t bytes = 0;
+    // The same session again and again, until what it needs is there; then nothing comes to it.
+    const int rounds = countsSystemAllocations() ? 7 : 1;
+    for (int round = 0; round < rounds; ++round) {
+        std::mt19937 random(17);
+        playASession(rig, random, 800);
+        if (round == rounds - 3) {
+            chunks = qrb::CQrbMemAllocator::chunkCount();
+            bytes = bytesInUse();
+        }
+    }
+    if (!countsSystemAllocations())
+        return;
+    EXPECT_EQ(qrb::CQrbMemAllocator::chunkCount(), chunks);
+    EXPECT_LE(bytesInUse(), bytes + 1000);
+    EXPECT_LE(bytesInUse(), begin + 6'000'000); // blocks of every length at each oversampling
 }
 
 TEST(TestProductRealTime, AHundredInstancesOnThreadsOfTheirOwnDoNotDisturbEachOther)
