@@ -65,6 +65,20 @@ CByteArray savedParam(const CPlainGroups& groups)
     return bytes;
 }
 
+/// What the test puts in place of the product's own.
+std::map<std::string, std::vector<std::uint8_t>> ownFiles()
+{
+    CAudioPresetBank bank;
+    for (int i = 0; i < CPresetRig::kPrograms; ++i)
+        bank.presets.append(plainPreset(CPresetRig::programName(i), CPresetRig::programState(i)));
+    CAudioPresetList modes;
+    modes.banks.emplace();
+    for (int i = 0; i < CPresetRig::kModes; ++i)
+        modes.banks[0].presets.append(plainPreset("QBXT:Mode", CPresetRig::modeState(i), CPresetRig::kModePrefix));
+    return {{"FactoryROM.cbf", chunkOf(bank, kPresetBankChunk)},
+            {"AppDataLocal_xotube-presets", chunkOf(modes, kPresetListChunk)}};
+}
+
 CPlainGroups numbers(const std::vector<double>& values)
 {
     CPlainGroups groups(1);
@@ -93,18 +107,11 @@ CPlainGroups trimmed(CPlainGroups groups)
     return groups;
 }
 
-CPresetRig::CPresetRig()
+CPresetRig::CPresetRig(EContent content)
 {
-    CAudioPresetBank bank;
-    for (int i = 0; i < kPrograms; ++i)
-        bank.presets.append(plainPreset(programName(i), programState(i)));
-    CAudioPresetList modes;
-    modes.banks.emplace();
-    for (int i = 0; i < kModes; ++i)
-        modes.banks[0].presets.append(plainPreset("QBXT:Mode", modeState(i), kModePrefix));
     product::CDataFiles files{{productResources()}, {}};
-    files.read["FactoryROM.cbf"] = chunkOf(bank, kPresetBankChunk);
-    files.read["AppDataLocal_xotube-presets"] = chunkOf(modes, kPresetListChunk);
+    if (content == EContent::own)
+        files.read = ownFiles();
     std::string error;
     m_module = std::make_unique<product::CDocumentModule>(std::move(files), error);
     EXPECT_EQ(error, "");
@@ -224,6 +231,14 @@ void CPresetRig::randomize(std::mt19937& random)
             for (int count = format.isSingleElement ? 1 : static_cast<int>(random() % 4); count > 0; --count)
                 set(path, group, format.isSingleElement ? 0 : static_cast<int>(random() % 8), randomCell(path, random));
     }
+}
+
+int CPresetRig::programCount()
+{
+    CArray<CString> names;
+    std::int32_t current = 0;
+    master().getPresetNames(false, names, current);
+    return static_cast<int>(names.size());
 }
 
 std::vector<std::uint8_t> CPresetRig::saveState()

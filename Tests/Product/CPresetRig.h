@@ -38,14 +38,15 @@ using CPlainState = std::map<std::string, CPlainGroups>;
 /// The same without empty groups at the end, which nobody sees.
 [[nodiscard]] CPlainGroups trimmed(CPlainGroups groups);
 
-/// An instance of the product with programs and saturator modes of the test's own, whatever the product ships.
+/// An instance of the product, with programs and saturator modes of the test's own unless those it ships are wished.
 class CPresetRig {
 public:
+    enum class EContent { own, shipped };
     static constexpr int kPrograms = 3;
     static constexpr int kModes = 4;
     static constexpr const char* kModePrefix = "modThumpcraft.xotube-params.";
 
-    CPresetRig();
+    explicit CPresetRig(EContent content = EContent::own);
     ~CPresetRig();
 
     [[nodiscard]] render::CRenderInstance& instance() { return *m_instance; }
@@ -55,7 +56,7 @@ public:
     [[nodiscard]] qrb::CAudioParamRegistry& registry(const std::string& name);
     [[nodiscard]] qrb::CAudioParamUndo& undo();
 
-    /// Built-in programs and modes, as what they hold.
+    /// The test's own programs and modes, as what they hold.
     [[nodiscard]] static std::string programName(int index);
     [[nodiscard]] static CPlainState programState(int index);
     [[nodiscard]] static CPlainState modeState(int index);
@@ -71,6 +72,7 @@ public:
              qrb::CAudioParamUndoEntry* entry = nullptr);
     /// Gives every parameter that presets or the instance hold new values, here and there more or fewer of them.
     void randomize(std::mt19937& random);
+    [[nodiscard]] int programCount();
 
     [[nodiscard]] std::vector<std::uint8_t> saveState();
     [[nodiscard]] std::string loadState(const std::vector<std::uint8_t>& bytes);

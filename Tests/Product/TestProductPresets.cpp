@@ -29,17 +29,23 @@ std::vector<std::string> allPaths(CPresetRig& rig)
     return paths;
 }
 
-TEST(TestProductPresets, StatesComeBackToTheBitInAnyInstance)
+class TestProductStates : public testing::TestWithParam<CPresetRig::EContent> {};
+
+TEST_P(TestProductStates, ComeBackToTheBitInAnyInstance)
 {
     std::mt19937 random(11);
-    CPresetRig rig;
-    CPresetRig other;
+    CPresetRig rig(GetParam());
+    CPresetRig other(GetParam());
     const std::vector<std::string> paths = rig.contentPaths();
     const std::vector<std::string> everything = allPaths(rig);
+    const int programs = rig.programCount();
+    EXPECT_EQ(programs, GetParam() == CPresetRig::EContent::own ? CPresetRig::kPrograms : 17);
     EXPECT_GT(paths.size(), 80u);
-    for (int round = 0; round < 40; ++round) {
-        EXPECT_FALSE(rig.master().setCurrentProgram(round % CPresetRig::kPrograms, nullptr));
-        rig.randomize(random);
+    for (int round = 0; round < 34; ++round) {
+        EXPECT_FALSE(rig.master().setCurrentProgram(round % programs, nullptr));
+        // Each program as it is, then changed here and there.
+        if (round >= programs)
+            rig.randomize(random);
         const std::vector<std::uint8_t> saved = rig.saveState();
         const CPlainState want = rig.state(everything);
         EXPECT_EQ(rig.saveState(), saved);
@@ -57,6 +63,9 @@ TEST(TestProductPresets, StatesComeBackToTheBitInAnyInstance)
         EXPECT_EQ(other.saveState(), saved);
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(TestProductPresets, TestProductStates,
+                         testing::Values(CPresetRig::EContent::own, CPresetRig::EContent::shipped));
 
 TEST(TestProductPresets, AStoredBankHasTheInstancesOwnValuesInEveryProgram)
 {
