@@ -35,4 +35,17 @@ TEST(TestVst3Programs, WhatTheAudioAskedForComesBeforeALaterCall)
     EXPECT_EQ(other.controller->getParamNormalized(kProgramId), 1.0);
 }
 
+TEST(TestVst3Programs, AHostIsNotCalledBackWhileItSetsAValue)
+{
+    std::string error;
+    const vst3::CModuleFile module(THUMPCRAFT_MODULE, error);
+    vst3::CVstHost host(*module.factory());
+    host.start();
+    host.handler.restarts.clear();
+    host.controller->setParamNormalized(kProgramId, 1.0);
+    EXPECT_TRUE(host.handler.restarts.empty());
+    EXPECT_FALSE(host.text(kProgramId, 1.0).empty()); // now it may be told
+    EXPECT_EQ(host.handler.restarts, std::vector<int32>{kParamValuesChanged});
+}
+
 } // namespace

@@ -81,7 +81,7 @@ CAudioWrapperVST3Parameter* CAudioWrapperVST3::hostParam(std::int32_t index)
 
 // What waits for the owner's thread, and what the host is told from there.
 
-void CAudioWrapperVST3::runOwner()
+void CAudioWrapperVST3::runOwner(ECallBack callBack)
 {
     // The host may call back while it is told something.
     if (!m_isInitialized || m_isOwnerRunning || platform::CSystemThread::currentId() != m_owner)
@@ -89,7 +89,8 @@ void CAudioWrapperVST3::runOwner()
     m_isOwnerRunning = true;
     takeProgramWish();
     runIdle();
-    tellHost();
+    if (callBack == ECallBack::now)
+        tellHost();
     m_isOwnerRunning = false;
 }
 
@@ -163,8 +164,14 @@ void CAudioWrapperVST3::endEdit(std::int32_t index)
 
 tresult PLUGIN_API CAudioWrapperVST3::setParamNormalized(ParamID id, ParamValue value)
 {
-    const CHostCall call(*this);
+    const CHostCall call(*this, ECallBack::later);
     return EditController::setParamNormalized(id, value);
+}
+
+tresult PLUGIN_API CAudioWrapperVST3::getParamStringByValue(ParamID id, ParamValue value, String128 text)
+{
+    const CHostCall call(*this); // a host that has set a value shows it, and so hears of what else has changed
+    return EditController::getParamStringByValue(id, value, text);
 }
 
 tresult PLUGIN_API CAudioWrapperVST3::setComponentHandler(IComponentHandler* handler)

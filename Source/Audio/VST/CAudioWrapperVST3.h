@@ -19,7 +19,8 @@ class CAudioWrapperVST3Parameter;
 class CAudioWrapperVST3ProgramParameter;
 
 /// The plug-in as a VST 3 host sees it. The host is called on its main thread only, which is the owner's, outside all
-/// locks: by the host's run loop if it gives one, and at the end of each of its calls on that thread.
+/// locks: by the host's run loop if it gives one, and at the end of its calls on that thread. Not of setParamNormalized():
+/// hosts hold locks there that they take again when they are called back.
 class CAudioWrapperVST3 final : private CModuleHold,
                                 public CSingleComponentEffect,
                                 public Steinberg::Vst::IUnitInfo,
@@ -51,6 +52,8 @@ public:
 
     Steinberg::tresult PLUGIN_API setParamNormalized(Steinberg::Vst::ParamID id,
                                                      Steinberg::Vst::ParamValue value) override;
+    Steinberg::tresult PLUGIN_API getParamStringByValue(Steinberg::Vst::ParamID id, Steinberg::Vst::ParamValue value,
+                                                        Steinberg::Vst::String128 text) override;
     Steinberg::tresult PLUGIN_API setComponentHandler(Steinberg::Vst::IComponentHandler* handler) override;
 
     Steinberg::int32 PLUGIN_API getUnitCount() override;
@@ -89,22 +92,29 @@ public:
     REFCOUNT_METHODS(CSingleComponentEffect)
 
 private:
+    /// Whether the host may be called back from within its own call.
+    enum class ECallBack { now, later };
     /// A call of the host. On the owner's thread what waits of the audio comes before it, as it was earlier, and the
     /// owner's work behind it.
     class CHostCall {
     public:
-        explicit CHostCall(CAudioWrapperVST3& wrapper) : m_wrapper(wrapper) { m_wrapper.takeProgramWish(); }
-        ~CHostCall() { m_wrapper.runOwner(); }
+        explicit CHostCall(CAudioWrapperVST3& wrapper, ECallBack callBack = ECallBack::now)
+            : m_wrapper(wrapper), m_callBack(callBack)
+        {
+            m_wrapper.takeProgramWish();
+        }
+        ~CHostCall() { m_wrapper.runOwner(m_callBack); }
         CHostCall(const CHostCall&) = delete;
         CHostCall& operator=(const CHostCall&) = delete;
 
     private:
         CAudioWrapperVST3& m_wrapper;
+        ECallBack m_callBack;
     };
     static constexpr std::size_t kMaxChannels = CPluginProject::kMaxInternalChannels;
     using CChannelPointers = std::array<void*, kMaxChannels>;
 
-    void runOwner();
+    void runOwner(ECallBack callBack = ECallBack::now);
     void takeProgramWish();
     void tellHost();
     void addParameters();
