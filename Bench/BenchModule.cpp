@@ -1,37 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the built module costs a host: loading, instances, memory, idle blocks, a session of a hundred.
+#include "Platform/Clock.h"
 #include "Tools/Vst3Host/CModuleFile.h"
 #include "Tools/Vst3Host/CVstHost.h"
+#include "Tools/Vst3Host/ResidentBytes.h"
 
 #include <benchmark/benchmark.h>
-#include <chrono>
-#include <cstdio>
-#include <fstream>
 #include <memory>
-#include <unistd.h>
 
 namespace {
 
 using namespace Steinberg::Vst;
+using qrb::platform::clockSeconds;
 
 constexpr double kRate = 44100.0;
 constexpr int kBlock = 512;
 constexpr Steinberg::Vst::ParamID kBypass = 0;
-
-double seconds()
-{
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
-
-/// Bytes of this process that lie in memory.
-double residentBytes()
-{
-    std::ifstream file("/proc/self/statm");
-    double size = 0.0;
-    double resident = 0.0;
-    file >> size >> resident;
-    return resident * static_cast<double>(sysconf(_SC_PAGESIZE));
-}
 
 /// An active stereo instance at 1X, with a block of noise to play.
 class CInstance {
@@ -87,9 +71,9 @@ void load(benchmark::State& state)
 {
     for (auto _ : state) {
         std::string error;
-        const double start = seconds();
+        const double start = clockSeconds();
         const vst3::CModuleFile module(THUMPCRAFT_MODULE, error);
-        state.SetIterationTime(seconds() - start);
+        state.SetIterationTime(clockSeconds() - start);
         if (failed(state, module, error))
             break;
     }
@@ -105,9 +89,9 @@ void instance(benchmark::State& state)
         if (failed(state, module, error))
             break;
         const CInstances others = make(module, static_cast<std::size_t>(state.range(0)));
-        const double start = seconds();
+        const double start = clockSeconds();
         const CInstance one(*module.factory());
-        state.SetIterationTime(seconds() - start);
+        state.SetIterationTime(clockSeconds() - start);
     }
 }
 BENCHMARK(instance)->Arg(0)->Arg(1)->Arg(99)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(5);
@@ -122,11 +106,11 @@ void memory(benchmark::State& state)
     for (auto _ : state) {
         const CInstances first = make(module, 1);
         first[0]->play();
-        const double before = residentBytes();
+        const auto before = static_cast<double>(vst3::residentBytes());
         const CInstances more = make(module, 100);
         for (const auto& one : more)
             one->play();
-        state.counters["MB_each"] = (residentBytes() - before) / 100.0 / 1e6;
+        state.counters["MB_each"] = (static_cast<double>(vst3::residentBytes()) - before) / 100.0 / 1e6;
     }
 }
 BENCHMARK(memory)->Iterations(1);

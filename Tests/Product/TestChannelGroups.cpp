@@ -68,21 +68,28 @@ std::vector<double> playAlone(int scheme, const std::vector<double>& in, const s
     return rig.run({in, *key}, 512)[0];
 }
 
+/// Eight channels straight through, each in a group of its own with the scheme of its number; `more` is set of each.
+template <class FMore>
+CChannels playTogether(const CChannels& in, const CProductRig::CShape& shape, const FMore& more)
+{
+    CProductRig rig(shape);
+    rig.set("denorm-enable=0");
+    for (int channel = 0; channel < 8; ++channel) {
+        setRouting(rig, "in-routing", channel, channel + 1);
+        setRouting(rig, "out-routing", channel, channel < shape.outputs ? channel + 1 : 0);
+        setRouting(rig, "grouping", channel, channel);
+        setGroup(rig, channel, channel);
+        more(rig, channel);
+    }
+    return rig.run(in, 512);
+}
+
 TEST(TestChannelGroups, EightGroupsOfOneChannelSoundAsEachDoesAlone)
 {
     const CChannels in = makeNoise(8, kFrames);
-    CChannels out;
-    {
-        CProductRig rig({48000.0, 8, 8, 0, 3});
-        rig.set("denorm-enable=0");
-        for (int channel = 0; channel < 8; ++channel) {
-            setRouting(rig, "in-routing", channel, channel + 1);
-            setRouting(rig, "out-routing", channel, channel + 1);
-            setRouting(rig, "grouping", channel, 7 - channel);
-            setGroup(rig, channel, channel);
-        }
-        out = rig.run(in, 512);
-    }
+    const CChannels out = playTogether(in, {48000.0, 8, 8, 0, 3}, [](CProductRig& rig, int channel) {
+        setRouting(rig, "grouping", channel, 7 - channel);
+    });
     for (int channel = 0; channel < 8; ++channel) {
         const auto place = static_cast<std::size_t>(channel);
         EXPECT_TRUE(out[place] == playAlone(7 - channel, in[place])) << channel;
@@ -94,20 +101,10 @@ TEST(TestChannelGroups, KeysOfTheExternalBusReachTheChannelsThatChooseThem)
     // Six main channels and two of a key bus; some listen to themselves or to another main channel.
     constexpr int kSources[] = {6, 7, 2, 6, 0, 7, 6, 7};
     const CChannels in = makeNoise(8, kFrames);
-    CChannels out;
-    {
-        CProductRig rig({48000.0, 6, 6, 2, 3});
-        rig.set("denorm-enable=0");
-        for (int channel = 0; channel < 8; ++channel) {
-            setRouting(rig, "in-routing", channel, channel + 1);
-            setRouting(rig, "out-routing", channel, channel < 6 ? channel + 1 : 0);
-            setRouting(rig, "grouping", channel, channel);
-            setRouting(rig, "sidechain", channel, kSources[channel]);
-            setRouting(rig, "sidechain-mute", channel, channel >= 6);
-            setGroup(rig, channel, channel);
-        }
-        out = rig.run(in, 512);
-    }
+    const CChannels out = playTogether(in, {48000.0, 6, 6, 2, 3}, [&](CProductRig& rig, int channel) {
+        setRouting(rig, "sidechain", channel, kSources[channel]);
+        setRouting(rig, "sidechain-mute", channel, channel >= 6);
+    });
     for (std::size_t channel = 0; channel < 6; ++channel)
         EXPECT_TRUE(out[channel] ==
                     playAlone(static_cast<int>(channel), in[channel], &in[static_cast<std::size_t>(kSources[channel])]))
@@ -119,19 +116,9 @@ TEST(TestChannelGroups, PairsOfAnyTwoChannelsAreMidAndSideBetweenTheRouters)
     // Pairs by number; the fourth stays without a partner.
     constexpr int kPairs[] = {1, 2, 2, 3, 0, 1, 4, 3};
     const CChannels in = makeNoise(8, kFrames);
-    CChannels out;
-    {
-        CProductRig rig({48000.0, 8, 8, 0, 3});
-        rig.set("denorm-enable=0");
-        for (int channel = 0; channel < 8; ++channel) {
-            setRouting(rig, "in-routing", channel, channel + 1);
-            setRouting(rig, "out-routing", channel, channel + 1);
-            setRouting(rig, "grouping", channel, channel);
-            rig.set("io-params.ms-pairs:0:" + std::to_string(channel) + "=" + std::to_string(kPairs[channel]));
-            setGroup(rig, channel, channel);
-        }
-        out = rig.run(in, 512);
-    }
+    const CChannels out = playTogether(in, {48000.0, 8, 8, 0, 3}, [&](CProductRig& rig, int channel) {
+        setRouting(rig, "ms-pairs", channel, kPairs[channel]);
+    });
     for (const auto& [first, second] : {std::pair{0, 5}, {1, 2}, {3, 7}}) {
         const std::vector<double>& a = in[static_cast<std::size_t>(first)];
         const std::vector<double>& b = in[static_cast<std::size_t>(second)];

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Tools/Vst3Host/CModuleFile.h"
 #include "Tools/Vst3Host/CVstHost.h"
+#include "Tools/Vst3Host/ResidentBytes.h"
 
-#include <fstream>
 #include <gtest/gtest.h>
 #include <malloc.h>
 #include <memory>
-#include <unistd.h>
 
 namespace {
 
@@ -26,14 +25,8 @@ struct CMemory {
 
 CMemory memoryNow()
 {
-    std::ifstream file("/proc/self/statm");
-    std::size_t size = 0;
-    CMemory now;
-    file >> size >> now.resident;
-    now.resident *= static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
     const struct mallinfo2 info = mallinfo2();
-    now.inUse = info.uordblks + info.hblkhd;
-    return now;
+    return {.inUse = info.uordblks + info.hblkhd, .resident = vst3::residentBytes()};
 }
 
 /// A state of each program with one parameter moved, which no other program has.

@@ -2,11 +2,10 @@
 // State, threads, memory.
 #include "Tests/Hosts/Juce/CHostedPlugin.h"
 #include "Tests/Hosts/Juce/Checks.h"
+#include "Tools/Vst3Host/ResidentBytes.h"
 
 #include <atomic>
-#include <fstream>
 #include <thread>
-#include <unistd.h>
 
 namespace {
 
@@ -35,10 +34,7 @@ juce::MemoryBlock withForeignState(const juce::MemoryBlock& state, const juce::M
 
 double residentMegabytes()
 {
-    std::ifstream file("/proc/self/statm");
-    double pages = 0.0;
-    file >> pages >> pages;
-    return pages * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1048576.0;
+    return static_cast<double>(vst3::residentBytes()) / 1048576.0;
 }
 
 } // namespace
